@@ -1,0 +1,1 @@
+#include "kelvra_extend_nvefs.h"

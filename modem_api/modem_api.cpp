@@ -1,0 +1,1 @@
+#include "modem_api.h"

@@ -1,0 +1,2 @@
+// The client framework of the modem-statistics service.
+#pragma once

@@ -1,0 +1,86 @@
+#include "wire.h"
+
+#include <algorithm>
+
+namespace wire {
+
+uint64_t Reader::number(size_t width) {
+    const View field = bytes(width);
+    uint64_t value = 0;
+    for (size_t i = field.size; i > 0; --i)
+        value = (value << 8) | field.data[i - 1];
+    return value;
+}
+
+View Reader::bytes(size_t count) {
+    if (count > left()) {
+        ok_ = false;
+        position_ = bytes_.size;
+        return {};
+    }
+    const View field(bytes_.data + position_, count);
+    position_ += count;
+    return field;
+}
+
+Writer& Writer::number(uint64_t value, size_t width) {
+    for (size_t i = 0; i < width; ++i)
+        buffer_.push_back(static_cast<uint8_t>(value >> (8 * i)));
+    return *this;
+}
+
+Writer& Writer::bytes(View bytes) {
+    buffer_.insert(buffer_.end(), bytes.data, bytes.data + bytes.size);
+    return *this;
+}
+
+Writer& Writer::tlv(uint8_t type, View value) {
+    const size_t length = std::min<size_t>(value.size, UINT16_MAX);
+    return u8(type).u16(static_cast<uint16_t>(length)).bytes({value.data, length});
+}
+
+std::optional<Tlv> TlvReader::next() {
+    if (reader_.left() == 0)
+        return std::nullopt;
+    Tlv tlv;
+    tlv.type = reader_.u8();
+    tlv.value = reader_.bytes(reader_.u16());
+    if (!reader_.ok())
+        return std::nullopt;
+    return tlv;
+}
+
+std::optional<View> find_tlv(View body, uint8_t type) {
+    std::optional<View> found;
+    TlvReader reader(body);
+    while (const auto tlv = reader.next()) {
+        if (tlv->type == type)
+            found = tlv->value;
+    }
+    return found;
+}
+
+Bytes encode(const QmiPacket& packet) {
+    Writer writer;
+    writer.u8(packet.flags)
+        .u16(packet.transaction)
+        .u16(packet.message)
+        .u16(static_cast<uint16_t>(packet.body.size()))
+        .bytes(packet.body);
+    return writer.take();
+}
+
+std::optional<QmiPacket> decode_qmi(View bytes) {
+    Reader reader(bytes);
+    QmiPacket packet;
+    packet.flags = reader.u8();
+    packet.transaction = reader.u16();
+    packet.message = reader.u16();
+    const size_t length = reader.u16();
+    if (!reader.ok() || length != reader.left())
+        return std::nullopt;
+    packet.body = reader.rest().copy();
+    return packet;
+}
+
+}  // namespace wire

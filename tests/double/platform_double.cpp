@@ -1,0 +1,298 @@
+#include "platform_double.h"
+
+#include <syslog.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <regex>
+
+#include "android/log.h"
+#include "cutils/properties.h"
+#include "modem_statistics_v01.h"
+#include "network_access_service_v01.h"
+#include "qtimutex.h"
+#include "specific_absorption_rate_v01.h"
+#include "user_identity_module_v01.h"
+
+namespace {
+
+std::unique_ptr<PlatformDouble> g_platform = std::make_unique<PlatformDouble>();
+std::atomic<int> g_malloc_countdown{0};
+
+using Lock = std::lock_guard<std::mutex>;
+
+std::string formatted(const char* fmt, va_list args) {
+    char text[20000];
+    vsnprintf(text, sizeof text, fmt, args);
+    return text;
+}
+
+// Calls a hook if the test has set it, else returns the default.
+template <typename Result, typename Hook, typename... Args>
+Result call(const Hook& hook, Result otherwise, Args... args) {
+    return hook ? hook(args...) : otherwise;
+}
+
+std::vector<uint8_t> copy(const void* bytes, int len) {
+    const auto* first = static_cast<const uint8_t*>(bytes);
+    return first == nullptr || len < 1 ? std::vector<uint8_t>() : std::vector<uint8_t>(first, first + len);
+}
+
+int make_client(qmi_client_type* client, int result) {
+    if (result == 0 && *client == nullptr)
+        *client = &platform().client_token;
+    return result;
+}
+
+}  // namespace
+
+PlatformDouble& platform() { return *g_platform; }
+
+void fail_malloc(int n) { g_malloc_countdown = n; }
+
+PlatformTest::PlatformTest() {
+    g_platform = std::make_unique<PlatformDouble>();
+    fail_malloc(0);
+}
+
+PlatformTest::~PlatformTest() { fail_malloc(0); }
+
+std::string PlatformTest::printed_by(const std::function<void()>& action) {
+    testing::internal::CaptureStdout();
+    action();
+    fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+}
+
+std::string mask_lines(const std::string& text) {
+    return std::regex_replace(text, std::regex("RIL\\[([^:\\]]*):\\d+\\]"), "RIL[$1:#]");
+}
+
+extern "C" {
+
+// QMI
+
+int qmi_client_notifier_init(qmi_idl_service_object_type, qmi_client_os_params*, qmi_client_type* notifier) {
+    *notifier = nullptr;
+    return make_client(notifier, call(platform().notifier_init, 0, notifier));
+}
+
+int qmi_client_get_service_list(qmi_idl_service_object_type, qmi_service_info* array, unsigned* entries,
+                                unsigned* services) {
+    *services = 1;
+    return call(platform().get_service_list, 0, array, entries, services);
+}
+
+int qmi_cci_os_signal_wait(qmi_client_os_params*, unsigned timeout_ms) {
+    return call(platform().signal_wait, 0, timeout_ms);
+}
+
+int qmi_client_init(qmi_service_info*, qmi_idl_service_object_type, qmi_client_ind_cb ind_cb, void*,
+                    qmi_client_os_params*, qmi_client_type* client) {
+    platform().ind_cb = ind_cb;
+    *client = nullptr;
+    return make_client(client, call(platform().client_init, 0, client));
+}
+
+int qmi_client_init_instance(qmi_idl_service_object_type, unsigned, qmi_client_ind_cb ind_cb, void*,
+                             qmi_client_os_params*, uint32_t timeout_ms, qmi_client_type* client) {
+    platform().ind_cb = ind_cb;
+    *client = nullptr;
+    return make_client(client, call(platform().client_init_instance, 0, timeout_ms, client));
+}
+
+int qmi_client_register_error_cb(qmi_client_type client, qmi_client_error_cb error_cb, void*) {
+    platform().error_cb = error_cb;
+    return call(platform().register_error_cb, 0, client);
+}
+
+int qmi_client_send_msg_sync(qmi_client_type client, unsigned msg_id, void* req, unsigned req_len, void* resp,
+                             unsigned resp_len, unsigned timeout_ms) {
+    const QmiRequest request{client, msg_id, copy(req, static_cast<int>(req_len)), resp_len, timeout_ms};
+    {
+        const Lock lock(platform().mutex);
+        platform().requests.push_back(request);
+    }
+    memset(resp, 0, resp_len);
+    return platform().send ? platform().send(request, resp) : 0;
+}
+
+int qmi_client_message_decode(qmi_client_type, qmi_idl_type_of_message_type type, unsigned msg_id,
+                              const void* src, unsigned src_len, void* dst, unsigned dst_len) {
+    memset(dst, 0, dst_len);
+    return call(platform().decode, 0, type, msg_id, src, src_len, dst, dst_len);
+}
+
+int qmi_client_release(qmi_client_type client) {
+    ++platform().releases;
+    return call(platform().release, 0, client);
+}
+
+int32_t qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type, qmi_idl_type_of_message_type type,
+                                         uint16_t message_id, uint32_t* len) {
+    *len = 0;
+    return call(platform().c_struct_len, int32_t{0}, type, message_id, len);
+}
+
+// Service objects: told apart by their address alone.
+
+static const qmi_idl_service_object kUim{6, 1, UIM_SERVICE_ID, 0, nullptr, 0};
+static const qmi_idl_service_object kVs{6, 1, VS_SERVICE_ID, 0, nullptr, 0};
+static const qmi_idl_service_object kSar{6, 1, SAR_SERVICE_ID, 0, nullptr, 0};
+static const qmi_idl_service_object kNas{6, 1, NAS_SERVICE_ID, 0, nullptr, 0};
+
+qmi_idl_service_object_type uim_get_service_object_internal_v01(int32_t major, int32_t minor, int32_t library) {
+    return major == 1 && minor == 100 && library == 6 ? &kUim : nullptr;
+}
+qmi_idl_service_object_type vs_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kVs; }
+qmi_idl_service_object_type sar_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kSar; }
+qmi_idl_service_object_type nas_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kNas; }
+
+// Diag
+
+bool Diag_LSM_Init(unsigned char*) { return call(platform().lsm_init, true); }
+bool Diag_LSM_DeInit() { return call(platform().lsm_deinit, true); }
+
+void diag_register_callback(diag_response_cb cb, void* context) {
+    platform().diag_cb = cb;
+    platform().diag_context = context;
+}
+
+void diag_register_remote_callback(diag_response_cb cb, int proc, void* context) {
+    platform().remote_cbs.push_back({cb, proc, context});
+}
+
+void diag_has_remote_device(uint16_t* mask) { *mask = platform().remote_mask; }
+
+int diag_callback_send_data(int proc, unsigned char* buf, int len) {
+    return call(platform().diag_send, 0, proc, copy(buf, len));
+}
+
+void diag_switch_logging(int mode, char*) {
+    const Lock lock(platform().mutex);
+    platform().logging_modes.push_back(mode);
+}
+
+int diag_register_dci_client(int* client_id, uint16_t* list, int proc, void* os_params) {
+    *client_id = 1;
+    return call(platform().dci_register, 1001, client_id, list, proc, os_params);
+}
+
+int diag_register_dci_signal_data(int client_id, int signal) {
+    return call(platform().dci_signal, 1001, client_id, signal);
+}
+
+int diag_get_dci_support_list_proc(int proc, uint16_t* list) {
+    return call(platform().dci_support, 1001, proc, list);
+}
+
+int diag_register_dci_stream_proc(int client_id, void (*logs)(unsigned char*, int),
+                                  void (*events)(unsigned char*, int)) {
+    platform().dci_logs = logs;
+    platform().dci_events = events;
+    return call(platform().dci_streams, 1001, client_id);
+}
+
+int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned char* rsp, int rsp_len,
+                            void (*cb)(unsigned char*, int, void*), void* data) {
+    platform().dci_cb = cb;
+    platform().dci_rsp = rsp;
+    platform().dci_rsp_len = rsp_len;
+    platform().dci_data = data;
+    return call(platform().dci_send, 1001, client_id, copy(buf, len));
+}
+
+int diag_release_dci_client(int* client_id) { return call(platform().dci_release, 1001, client_id); }
+
+// Android and the system log
+
+int property_get(const char* key, char* value, const char* default_value) {
+    const Lock lock(platform().mutex);
+    const auto found = platform().properties.find(key);
+    std::string text = default_value == nullptr ? "" : default_value;
+    if (found != platform().properties.end() && !found->second.empty())
+        text = found->second;
+    snprintf(value, PROPERTY_VALUE_MAX, "%s", text.c_str());
+    return static_cast<int>(strlen(value));
+}
+
+int property_set(const char* key, const char* value) {
+    const Lock lock(platform().mutex);
+    platform().properties[key] = value;
+    return 0;
+}
+
+int __android_log_print(int priority, const char* tag, const char* fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    const std::string text = formatted(fmt, args);
+    va_end(args);
+    const Lock lock(platform().mutex);
+    platform().android_log.push_back(std::to_string(priority) + " " + tag + " " + text);
+    return 1;
+}
+
+void vsyslog(int priority, const char* fmt, va_list args) {
+    const std::string text = formatted(fmt, args);
+    const Lock lock(platform().mutex);
+    platform().system_log.push_back(std::to_string(priority) + " " + text);
+}
+
+// The C library
+
+void* __real_malloc(size_t size);
+int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg);
+
+void* __wrap_malloc(size_t size) {
+    if (g_malloc_countdown > 0 && --g_malloc_countdown == 0) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return __real_malloc(size);
+}
+
+unsigned __wrap_sleep(unsigned seconds) {
+    {
+        const Lock lock(platform().mutex);
+        platform().sleeps.push_back(seconds);
+    }
+    return call(platform().sleep, 0U, seconds);
+}
+
+int __wrap_usleep(unsigned microseconds) {
+    {
+        const Lock lock(platform().mutex);
+        platform().usleeps.push_back(microseconds);
+    }
+    return call(platform().usleep, 0, microseconds);
+}
+
+int __wrap_system(const char* command) {
+    {
+        const Lock lock(platform().mutex);
+        platform().commands.emplace_back(command);
+    }
+    return call(platform().system, 0, command);
+}
+
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg) {
+    if (platform().fail_thread_creation != 0)
+        return platform().fail_thread_creation;
+    return __real_pthread_create(thread, attr, start, arg);
+}
+
+}  // extern "C"
+
+namespace qtimutex {
+QtiSharedMutex::QtiSharedMutex() : lock_(PTHREAD_RWLOCK_INITIALIZER) {}
+QtiSharedMutex::~QtiSharedMutex() { pthread_rwlock_destroy(&lock_); }
+void QtiSharedMutex::lock() { pthread_rwlock_wrlock(&lock_); }
+bool QtiSharedMutex::try_lock() { return pthread_rwlock_trywrlock(&lock_) == 0; }
+void QtiSharedMutex::unlock() { pthread_rwlock_unlock(&lock_); }
+void QtiSharedMutex::lock_shared() { pthread_rwlock_rdlock(&lock_); }
+bool QtiSharedMutex::try_lock_shared() { return pthread_rwlock_tryrdlock(&lock_) == 0; }
+void QtiSharedMutex::unlock_shared() { pthread_rwlock_unlock(&lock_); }
+}  // namespace qtimutex
