@@ -1,0 +1,9 @@
+// The commands of group 5. Each takes the whole command line and returns 0 for success, or the code that the group
+// reports.
+#pragma once
+
+int kelvra_cmn_diag_cmd_send(int argc, char** argv);
+int kelvra_cmn_esim_test(int argc, char** argv);
+
+/// Prints the modem's SAR device state index, -1 when the modem could not be asked.
+void kelvra_cmn_test_get_sar_dsi();
