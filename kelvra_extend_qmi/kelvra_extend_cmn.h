@@ -1,5 +1,6 @@
-// The extension channel: one generic request and response of a vendor QMI service, by which NV items, files and
-// maintenance commands reach the modem. The connection is made at the first exchange and kept for the process.
+// The extension channel: one generic request and response of a vendor QMI service, by which NV items, files
+// and maintenance commands reach the modem. The connection is made at the first exchange and kept for the
+// process.
 #pragma once
 
 #include <cstdint>
@@ -25,10 +26,10 @@ constexpr uint32_t kCommonValueOffset = 16;
 /// The most bytes of a value in the type-length-value form.
 constexpr uint32_t kCommonValueMax = kExtendPayloadMax - 16;
 
-/// One exchange. Sends data_len bytes (at most 512); *rsp_len is the capacity of rsp_buf (at most 512) and becomes the
-/// number of bytes copied there: a longer response is cut. The first call waits, without limit, for the service to be
-/// published. Returns 0, -1 for bad arguments, -2 when no client could be made, -3 when the exchange failed. Any
-/// thread; exchanges are serialised.
+/// One exchange. Sends data_len bytes (at most 512); *rsp_len is the capacity of rsp_buf (at most 512) and
+/// becomes the number of bytes copied there: a longer response is cut. The first call waits, without limit,
+/// for the service to be published. Returns 0, -1 for bad arguments, -2 when no client could be made, -3 when
+/// the exchange failed. Any thread; exchanges are serialised.
 int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int data_len, void* rsp_buf,
                                 uint32_t* rsp_len);
 
@@ -36,13 +37,14 @@ int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int da
 void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void* buf, unsigned int buf_len,
                               void* cb_data);
 
-/// A common request that is only a code. `rsp` holds kCommonResponseMax bytes. Returns the channel's result, -1 for a
-/// null rsp.
+/// A common request that is only a code. `rsp` holds kCommonResponseMax bytes. Returns the channel's result,
+/// -1 for a null rsp.
 int kelvra_common_qmi_req(uint32_t type, void* rsp);
 
-/// A common request with a value: code t, l bytes at v (null only when l is 0), at most kCommonValueMax. `rsp` holds
-/// kCommonResponseMax bytes. Returns the channel's result, -1 for bad arguments.
+/// A common request with a value: code t, l bytes at v (null only when l is 0), at most kCommonValueMax.
+/// `rsp` holds kCommonResponseMax bytes. Returns the channel's result, -1 for bad arguments.
 int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, void* rsp);
 
-/// The tool's code for a channel result: -101, -102 and -103 for -1, -2 and -3; every other value is unchanged.
+/// The tool's code for a channel result: -101, -102 and -103 for -1, -2 and -3; every other value is
+/// unchanged.
 int kelvra_qmi_result_map(int result);

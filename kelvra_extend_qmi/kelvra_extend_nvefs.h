@@ -1,6 +1,6 @@
-// NV items and EFS files of the modem, over the extension channel. sub_id is the subscription, 0 or 1. A file travels
-// in chunks, one transfer at a time. Any thread. Results are 0 or more for success, the mapped channel codes -101 to
-// -103, the codes below, or the modem's own non-zero result.
+// NV items and EFS files of the modem, over the extension channel. sub_id is the subscription, 0 or 1. A file
+// travels in chunks, one transfer at a time. Any thread. Results are 0 or more for success, the mapped
+// channel codes -101 to -103, the codes below, or the modem's own non-zero result.
 #pragma once
 
 #include <cstdint>
@@ -19,12 +19,12 @@ constexpr uint32_t kEfsFileLimit = 102410;
 /// The highest NV item number.
 constexpr int kNvIdMax = 7232;
 
-/// Reads a file into `buf`. *buf_len is its capacity and becomes the number of bytes read; a longer file is cut to
-/// the capacity, with result 0.
+/// Reads a file into `buf`. *buf_len is its capacity and becomes the number of bytes read; a longer file is
+/// cut to the capacity, with result 0.
 int kelvra_efs_read(int sub_id, const char* path, int path_len, uint8_t* buf, uint32_t* buf_len);
 
-/// Replaces a file with buf_len bytes, fewer than kEfsFileLimit. The modem shows the new file once its last byte has
-/// arrived.
+/// Replaces a file with buf_len bytes, fewer than kEfsFileLimit. The modem shows the new file once its last
+/// byte has arrived.
 int kelvra_efs_write(int sub_id, const char* path, int path_len, const uint8_t* buf, uint32_t buf_len);
 
 int kelvra_efs_delete(int sub_id, const char* path, int path_len);

@@ -12,7 +12,9 @@ namespace {
 constexpr int kGroup = 5;
 
 // In quiet mode the help alone is shown.
-int refuse(int (*with_note)(int group)) { return g_quiet_mode ? show_help(kGroup) : with_note(kGroup); }
+int refuse(int (*with_note)(int group)) {
+    return g_quiet_mode ? show_help(kGroup) : with_note(kGroup);
+}
 
 }  // namespace
 

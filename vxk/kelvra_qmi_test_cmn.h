@@ -1,5 +1,5 @@
-// The commands of group 5. Each takes the whole command line and returns 0 for success, or the code that the group
-// reports.
+// The commands of group 5. Each takes the whole command line and returns 0 for success, or the code that the
+// group reports.
 #pragma once
 
 int kelvra_cmn_diag_cmd_send(int argc, char** argv);

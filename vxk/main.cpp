@@ -1,5 +1,5 @@
-// vxk <option> <sub-option> <arguments...>: one test operation on the modem, printed. The exit status is 0 whatever
-// the outcome.
+// vxk <option> <sub-option> <arguments...>: one test operation on the modem, printed. The exit status is 0
+// whatever the outcome.
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -9,7 +9,9 @@
 
 namespace {
 
-int not_supported(int, char**) { return puts("Not support"); }
+int not_supported(int, char**) {
+    return puts("Not support");
+}
 
 using Group = int (*)(int argc, char** argv);
 
@@ -39,10 +41,12 @@ void run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill loses no line.
+    // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill loses no
+    // line.
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     run(argc, argv);
-    // A detached worker may still be printing. What is printed by now goes out whole, and nothing comes after it.
+    // A detached worker may still be printing. What is printed by now goes out whole, and nothing comes after
+    // it.
     flockfile(stdout);
     fflush(stdout);
     return 0;

@@ -1,5 +1,5 @@
-// The "note:" lines with which a group says what was wrong with its command line, and the results they go with.
-// None of them looks at quiet mode: a group that is silent in quiet mode does not call them then.
+// The "note:" lines with which a group says what was wrong with its command line, and the results they go
+// with. None of them looks at quiet mode: a group that is silent in quiet mode does not call them then.
 #pragma once
 
 /// The result of a handler whose command line was wrong.
@@ -13,6 +13,7 @@ int refuse_second_parameter(int group);
 /// A handler's non-zero result: prints the note with the code, then the group's help. Returns the code.
 int report_error(int group, int code);
 
-/// A handler's wrong number of inputs: prints the note and returns kBadCommandLine. The caller shows the help.
+/// A handler's wrong number of inputs: prints the note and returns kBadCommandLine. The caller shows the
+/// help.
 int note_need_inputs(int count);
 int note_too_few_inputs();

@@ -32,8 +32,8 @@ enum {
     VS_BYTES_IND_MAX_V01 = 100
 };
 
-/* The counts and lengths in responses and indications are kept as the modem sent them, at most the bound is stored:
- * a reader compares before it uses them. */
+/* The counts and lengths in responses and indications are kept as the modem sent them, at most the bound is
+ * stored: a reader compares before it uses them. */
 
 typedef struct {
     uint32_t value;

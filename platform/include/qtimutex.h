@@ -7,7 +7,7 @@
 namespace qtimutex {
 
 class QtiSharedMutex {
-  public:
+public:
     QtiSharedMutex();
     ~QtiSharedMutex();
     QtiSharedMutex(const QtiSharedMutex&) = delete;
@@ -23,7 +23,7 @@ class QtiSharedMutex {
     bool try_lock_shared();
     void unlock_shared();
 
-  private:
+private:
     pthread_rwlock_t lock_;
 };
 

@@ -1,5 +1,6 @@
-// QMI and diag packets as bytes: what the workstation library and the simulated handset both speak. Neither side's
-// message layouts are known here, only how bytes, TLVs and packets are framed. Nothing here keeps state; any thread.
+// QMI and diag packets as bytes: what the workstation library and the simulated handset both speak. Neither
+// side's message layouts are known here, only how bytes, TLVs and packets are framed. Nothing here keeps
+// state; any thread.
 #pragma once
 
 #include <cstddef>
@@ -23,10 +24,10 @@ struct View {
     Bytes copy() const { return size == 0 ? Bytes() : Bytes(data, data + size); }
 };
 
-/// Reads little-endian numbers from the front of a view. A read past the end returns zeros and makes ok() false for
-/// good, so that a caller may read a whole record and ask once.
+/// Reads little-endian numbers from the front of a view. A read past the end returns zeros and makes ok()
+/// false for good, so that a caller may read a whole record and ask once.
 class Reader {
-  public:
+public:
     explicit Reader(View bytes) : bytes_(bytes) {}
 
     uint8_t u8() { return static_cast<uint8_t>(number(1)); }
@@ -47,7 +48,7 @@ class Reader {
     size_t left() const { return bytes_.size - position_; }
     bool ok() const { return ok_; }
 
-  private:
+private:
     View bytes_;
     size_t position_ = 0;
     bool ok_ = true;
@@ -55,7 +56,7 @@ class Reader {
 
 /// Appends little-endian numbers to a buffer.
 class Writer {
-  public:
+public:
     Writer& u8(uint8_t value) { return number(value, 1); }
     Writer& u16(uint16_t value) { return number(value, 2); }
     Writer& u32(uint32_t value) { return number(value, 4); }
@@ -73,7 +74,7 @@ class Writer {
     const Bytes& data() const { return buffer_; }
     Bytes take() { return std::move(buffer_); }
 
-  private:
+private:
     Bytes buffer_;
 };
 
@@ -84,14 +85,14 @@ struct Tlv {
 
 /// Takes TLVs from a message's body one by one.
 class TlvReader {
-  public:
+public:
     explicit TlvReader(View body) : reader_(body) {}
 
     /// The next TLV, or nothing at the end and at a TLV that runs past it; then ok() tells the two apart.
     std::optional<Tlv> next();
     bool ok() const { return reader_.ok(); }
 
-  private:
+private:
     Reader reader_;
 };
 

@@ -49,16 +49,22 @@ int make_client(qmi_client_type* client, int result) {
 
 }  // namespace
 
-PlatformDouble& platform() { return *g_platform; }
+PlatformDouble& platform() {
+    return *g_platform;
+}
 
-void fail_malloc(int n) { g_malloc_countdown = n; }
+void fail_malloc(int n) {
+    g_malloc_countdown = n;
+}
 
 PlatformTest::PlatformTest() {
     g_platform = std::make_unique<PlatformDouble>();
     fail_malloc(0);
 }
 
-PlatformTest::~PlatformTest() { fail_malloc(0); }
+PlatformTest::~PlatformTest() {
+    fail_malloc(0);
+}
 
 std::string PlatformTest::printed_by(const std::function<void()>& action) {
     testing::internal::CaptureStdout();
@@ -144,17 +150,28 @@ static const qmi_idl_service_object kVs{6, 1, VS_SERVICE_ID, 0, nullptr, 0};
 static const qmi_idl_service_object kSar{6, 1, SAR_SERVICE_ID, 0, nullptr, 0};
 static const qmi_idl_service_object kNas{6, 1, NAS_SERVICE_ID, 0, nullptr, 0};
 
-qmi_idl_service_object_type uim_get_service_object_internal_v01(int32_t major, int32_t minor, int32_t library) {
+qmi_idl_service_object_type uim_get_service_object_internal_v01(int32_t major, int32_t minor,
+                                                                int32_t library) {
     return major == 1 && minor == 100 && library == 6 ? &kUim : nullptr;
 }
-qmi_idl_service_object_type vs_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kVs; }
-qmi_idl_service_object_type sar_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kSar; }
-qmi_idl_service_object_type nas_get_service_object_internal_v01(int32_t, int32_t, int32_t) { return &kNas; }
+qmi_idl_service_object_type vs_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
+    return &kVs;
+}
+qmi_idl_service_object_type sar_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
+    return &kSar;
+}
+qmi_idl_service_object_type nas_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
+    return &kNas;
+}
 
 // Diag
 
-bool Diag_LSM_Init(unsigned char*) { return call(platform().lsm_init, true); }
-bool Diag_LSM_DeInit() { return call(platform().lsm_deinit, true); }
+bool Diag_LSM_Init(unsigned char*) {
+    return call(platform().lsm_init, true);
+}
+bool Diag_LSM_DeInit() {
+    return call(platform().lsm_deinit, true);
+}
 
 void diag_register_callback(diag_response_cb cb, void* context) {
     platform().diag_cb = cb;
@@ -165,7 +182,9 @@ void diag_register_remote_callback(diag_response_cb cb, int proc, void* context)
     platform().remote_cbs.push_back({cb, proc, context});
 }
 
-void diag_has_remote_device(uint16_t* mask) { *mask = platform().remote_mask; }
+void diag_has_remote_device(uint16_t* mask) {
+    *mask = platform().remote_mask;
+}
 
 int diag_callback_send_data(int proc, unsigned char* buf, int len) {
     return call(platform().diag_send, 0, proc, copy(buf, len));
@@ -205,7 +224,9 @@ int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned
     return call(platform().dci_send, 1001, client_id, copy(buf, len));
 }
 
-int diag_release_dci_client(int* client_id) { return call(platform().dci_release, 1001, client_id); }
+int diag_release_dci_client(int* client_id) {
+    return call(platform().dci_release, 1001, client_id);
+}
 
 // Android and the system log
 
@@ -288,11 +309,25 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (
 
 namespace qtimutex {
 QtiSharedMutex::QtiSharedMutex() : lock_(PTHREAD_RWLOCK_INITIALIZER) {}
-QtiSharedMutex::~QtiSharedMutex() { pthread_rwlock_destroy(&lock_); }
-void QtiSharedMutex::lock() { pthread_rwlock_wrlock(&lock_); }
-bool QtiSharedMutex::try_lock() { return pthread_rwlock_trywrlock(&lock_) == 0; }
-void QtiSharedMutex::unlock() { pthread_rwlock_unlock(&lock_); }
-void QtiSharedMutex::lock_shared() { pthread_rwlock_rdlock(&lock_); }
-bool QtiSharedMutex::try_lock_shared() { return pthread_rwlock_tryrdlock(&lock_) == 0; }
-void QtiSharedMutex::unlock_shared() { pthread_rwlock_unlock(&lock_); }
+QtiSharedMutex::~QtiSharedMutex() {
+    pthread_rwlock_destroy(&lock_);
+}
+void QtiSharedMutex::lock() {
+    pthread_rwlock_wrlock(&lock_);
+}
+bool QtiSharedMutex::try_lock() {
+    return pthread_rwlock_trywrlock(&lock_) == 0;
+}
+void QtiSharedMutex::unlock() {
+    pthread_rwlock_unlock(&lock_);
+}
+void QtiSharedMutex::lock_shared() {
+    pthread_rwlock_rdlock(&lock_);
+}
+bool QtiSharedMutex::try_lock_shared() {
+    return pthread_rwlock_tryrdlock(&lock_) == 0;
+}
+void QtiSharedMutex::unlock_shared() {
+    pthread_rwlock_unlock(&lock_);
+}
 }  // namespace qtimutex

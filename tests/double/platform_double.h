@@ -1,5 +1,6 @@
-// The seam as a test sees it: every call has a hook that the test may replace, and a default that succeeds. Hooks run
-// on whatever thread the unit under test calls from. A test that derives from PlatformTest starts with a fresh double.
+// The seam as a test sees it: every call has a hook that the test may replace, and a default that succeeds.
+// Hooks run on whatever thread the unit under test calls from. A test that derives from PlatformTest starts
+// with a fresh double.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -41,7 +42,7 @@ struct PlatformDouble {
     std::function<int(qmi_client_type client)> release;
     std::function<int32_t(qmi_idl_type_of_message_type type, uint16_t message, uint32_t* len)> c_struct_len;
 
-    std::vector<QmiRequest> requests;  // every qmi_client_send_msg_sync, in order
+    std::vector<QmiRequest> requests;        // every qmi_client_send_msg_sync, in order
     qmi_client_ind_cb ind_cb = nullptr;      // of the last client made
     qmi_client_error_cb error_cb = nullptr;  // of the last registration
     int releases = 0;
@@ -85,7 +86,8 @@ struct PlatformDouble {
     std::vector<unsigned> sleeps;
     std::vector<unsigned> usleeps;
     std::vector<std::string> commands;
-    int fail_thread_creation = 0;  // pthread_create returns this instead of creating a thread when it is not 0
+    int fail_thread_creation =
+        0;  // pthread_create returns this instead of creating a thread when it is not 0
 
     std::mutex mutex;  // guards the vectors and the map above while other threads run
 };
@@ -97,7 +99,7 @@ PlatformDouble& platform();
 void fail_malloc(int n);
 
 class PlatformTest : public testing::Test {
-  protected:
+protected:
     PlatformTest();
     ~PlatformTest() override;
 

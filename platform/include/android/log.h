@@ -19,7 +19,8 @@ typedef enum {
 } android_LogPriority;
 
 /* Writes one message. Returns a positive number when it was written. Any thread. */
-int __android_log_print(int priority, const char *tag, const char *fmt, ...) __attribute__((format(printf, 3, 4)));
+int __android_log_print(int priority, const char* tag, const char* fmt, ...)
+    __attribute__((format(printf, 3, 4)));
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,41 @@
+# Sourced by every transcript: a simulated handset for the rest of it, and output that compares.
+
+# Boots a handset in a fresh folder. With an argument, that is the profile's JSON.
+boot() {
+    halt
+    export VXK_HANDSET_DIR="$CRAMTMP/h$((++handsets))"
+    local profile=()
+    if [ $# -gt 0 ]; then
+        printf '%s\n' "$1" > "$VXK_HANDSET_DIR.json"
+        profile=(--profile "$VXK_HANDSET_DIR.json")
+    fi
+    coproc HANDSET { exec vxk-handset serve --dir "$VXK_HANDSET_DIR" "${profile[@]}" 2> "$VXK_HANDSET_DIR.err"; }
+    handset=$HANDSET_PID
+    read -r _ <&"${HANDSET[0]}" || { echo "no handset:"; cat "$VXK_HANDSET_DIR.err"; }
+}
+
+# Stops the handset; its folder stays.
+halt() {
+    [ -n "${handset:-}" ] || return 0
+    kill "$handset" 2>/dev/null
+    wait "$handset" 2>/dev/null
+    handset=
+}
+
+# The tool, with the source lines of its log messages masked. `command vxk` shows them.
+vxk() {
+    local status=0
+    command vxk "$@" > "$CRAMTMP/out" || status=$?
+    sed -E 's/RIL\[([^]:]*):[0-9]+\]/RIL[\1:#]/' "$CRAMTMP/out"
+    return $status
+}
+
+# The tool's output without log and channel lines: what a script would keep.
+answer() { vxk "$@" | grep -avE '^(RIL\[|KELVRA_QMI_NV: |QMI client inited|kelvra_extend_qmi_)' || true; }
+
+# What a script wants to know of the handset's state.
+property() { cat "$VXK_HANDSET_DIR/properties/$1" 2>/dev/null || echo "(unset)"; }
+efs() { od -An -v -tx1 "$VXK_HANDSET_DIR/efs/$1" 2>/dev/null || echo "(no file)"; }
+
+handsets=0
+trap halt EXIT
