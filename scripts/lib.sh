@@ -1,5 +1,6 @@
 # Shared by the scripts in this folder: where the tree is, what they need, how they build.
 set -euo pipefail
+export LC_ALL=C
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 jobs=$(nproc)
