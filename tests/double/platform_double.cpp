@@ -41,6 +41,13 @@ std::vector<uint8_t> copy(const void* bytes, int len) {
     return first == nullptr || len < 1 ? std::vector<uint8_t>() : std::vector<uint8_t>(first, first + len);
 }
 
+bool allocation_fails() {
+    if (g_malloc_countdown <= 0 || --g_malloc_countdown != 0)
+        return false;
+    errno = ENOMEM;
+    return true;
+}
+
 int make_client(qmi_client_type* client, int result) {
     if (result == 0 && *client == nullptr)
         *client = &platform().client_token;
@@ -265,14 +272,14 @@ void vsyslog(int priority, const char* fmt, va_list args) {
 // The C library
 
 void* __real_malloc(size_t size);
+void* __real_calloc(size_t count, size_t size);
 int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg);
 
-void* __wrap_malloc(size_t size) {
-    if (g_malloc_countdown > 0 && --g_malloc_countdown == 0) {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    return __real_malloc(size);
+void* __wrap_malloc(size_t size) { return allocation_fails() ? nullptr : __real_malloc(size); }
+
+// Also what an optimiser makes of a malloc that is filled with zeros.
+void* __wrap_calloc(size_t count, size_t size) {
+    return allocation_fails() ? nullptr : __real_calloc(count, size);
 }
 
 unsigned __wrap_sleep(unsigned seconds) {

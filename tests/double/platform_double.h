@@ -95,7 +95,7 @@ struct PlatformDouble {
 /// The double in force.
 PlatformDouble& platform();
 
-/// The n-th (from 1) following malloc of the code under test, on any thread, fails once; 0: none.
+/// The n-th (from 1) following malloc or calloc of the code under test, on any thread, fails once; 0: none.
 void fail_malloc(int n);
 
 class PlatformTest : public testing::Test {
