@@ -37,14 +37,22 @@ int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int da
 void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void* buf, unsigned int buf_len,
                               void* cb_data);
 
-/// A common request that is only a code. `rsp` holds kCommonResponseMax bytes. Returns the channel's result,
-/// -1 for a null rsp.
+/// A common request that is only a code. `rsp` holds kCommonResponseMax bytes: its header is zeroed first,
+/// what lies behind a shorter response stays as it was. Returns the channel's result, -1 for a null rsp.
 int kelvra_common_qmi_req(uint32_t type, void* rsp);
 
 /// A common request with a value: code t, l bytes at v (null only when l is 0), at most kCommonValueMax.
-/// `rsp` holds kCommonResponseMax bytes. Returns the channel's result, -1 for bad arguments.
+/// `rsp` holds kCommonResponseMax bytes, zeroed first. Returns the channel's result, -1 for bad arguments.
 int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, void* rsp);
 
-/// The tool's code for a channel result: -101, -102 and -103 for -1, -2 and -3; every other value is
-/// unchanged.
+/// The exchange of kelvra_send_common_qmi_msg without its log lines and checks; the arguments are good. Adds
+/// *rsp_len, the number of bytes that arrived.
+int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, void* rsp, uint32_t* rsp_len);
+
+/// The tool's codes for the channel's results.
+constexpr int kChannelBadArgument = -101;
+constexpr int kChannelNoClient = -102;
+constexpr int kChannelFailed = -103;
+
+/// The tool's code for a channel result: the codes above for -1, -2 and -3; every other value is unchanged.
 int kelvra_qmi_result_map(int result);
