@@ -12,6 +12,7 @@
 #include "cutils/properties.h"
 #include "fatal.h"
 #include "kelvra_log.h"
+#include "qcril_logger.h"
 
 std::atomic<int> g_kolvo_mem_trace{kKolvoTraceUndecided};
 unsigned g_kolvo_mem_cur_num = 0;
@@ -127,6 +128,20 @@ void untrace(const void* block) {
 }
 
 }  // namespace
+
+void* qcril_malloc_adv(size_t size, const char* function, int line) {
+    void* block = calloc(1, size);
+    if (block == nullptr) {
+        char thread_name[16] = "";
+        pthread_getname_np(pthread_self(), thread_name, sizeof thread_name);
+        qti::ril::logger::LoggerFactory::logger().log(
+            qti::ril::logger::Level::kError, "[%s: %d] [%s(%ld,%ld)] %s: Fail to allocate memory",
+            "qcril_memory_management", __LINE__, thread_name, static_cast<long>(getpid()),
+            static_cast<long>(gettid()), __func__);
+        kelvra_ril_syslog_err("%s: no %zu bytes for %s:%d", __func__, size, function, line);
+    }
+    return block;
+}
 
 void* kolvo_malloc_adv(size_t size, const char* tag) {
     kolvo_mem_init();

@@ -14,6 +14,10 @@ extern std::atomic<int> g_kolvo_mem_trace;
 extern unsigned g_kolvo_mem_cur_num;
 extern unsigned g_kolvo_mem_max_num;
 
+/// `size` zero bytes, freed with free(); null after reporting the failure through the QCRIL logger and, with
+/// the caller's function and line, in the system log. Any thread.
+void* qcril_malloc_adv(size_t size, const char* function, int line);
+
 /// `size` zero bytes, freed with kolvo_free_adv(); null after logging the failure. `tag` names the
 /// allocation's place and must outlive the block. The first call decides, by the property
 /// "persist.kolvo.mem_trace", whether blocks are traced: "1" switches tracing on. Any thread.
