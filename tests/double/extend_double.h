@@ -1,0 +1,48 @@
+// The extension service behind the double: its one message as bytes.
+#pragma once
+
+#include <algorithm>
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "little_endian.h"
+#include "platform_double.h"
+
+/// A response of the service with `data`; data_len says what it claims to be.
+inline void answer_extend(void* response, uint32_t id, uint32_t data_len, const std::vector<uint8_t>& data) {
+    auto* bytes = static_cast<uint8_t*>(response);
+    put_le(bytes, id);
+    put_le(bytes + 4, data_len);
+    bytes[8] = !data.empty();
+    std::copy(data.begin(), data.end(), bytes + 9);
+}
+
+inline void answer_extend(void* response, const std::vector<uint8_t>& data) {
+    answer_extend(response, 0, static_cast<uint32_t>(data.size()), data);
+}
+
+inline uint32_t request_id_of(const QmiRequest& request) {
+    return get_le<uint32_t>(request.bytes.data());
+}
+
+/// The payload bytes that a request carries.
+inline std::vector<uint8_t> payload_of(const QmiRequest& request) {
+    const auto first = request.bytes.begin() + 9;
+    return {first, first + get_le<uint32_t>(request.bytes.data() + 4)};
+}
+
+/// Zeros, with the bytes of each {offset, value} put over them.
+inline std::vector<uint8_t> block(size_t size,
+                                  std::initializer_list<std::pair<size_t, std::vector<uint8_t>>> parts) {
+    std::vector<uint8_t> bytes(size);
+    for (const auto& [offset, part] : parts)
+        std::copy(part.begin(), part.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    return bytes;
+}
+
+/// Printed text with "RIL[function:line]: " taken off its log lines.
+inline std::string without_sites(const std::string& text) {
+    return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
+}
