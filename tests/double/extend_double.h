@@ -2,8 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <regex>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -40,9 +38,4 @@ inline std::vector<uint8_t> block(size_t size,
     for (const auto& [offset, part] : parts)
         std::copy(part.begin(), part.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
     return bytes;
-}
-
-/// Printed text with "RIL[function:line]: " taken off its log lines.
-inline std::string without_sites(const std::string& text) {
-    return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
 }

@@ -2,6 +2,7 @@
 
 #include <syslog.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
@@ -82,6 +83,20 @@ std::string PlatformTest::printed_by(const std::function<void()>& action) {
 
 std::string mask_lines(const std::string& text) {
     return std::regex_replace(text, std::regex("RIL\\[([^:\\]]*):\\d+\\]"), "RIL[$1:#]");
+}
+
+std::string without_sites(const std::string& text) {
+    return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
+}
+
+std::string without_lines(const std::string& text, const std::string& prefix) {
+    std::string rest;
+    for (size_t start = 0, end = 0; start < text.size(); start = end) {
+        end = std::min(text.find('\n', start), text.size() - 1) + 1;
+        if (text.compare(start, prefix.size(), prefix) != 0)
+            rest.append(text, start, end - start);
+    }
+    return rest;
 }
 
 extern "C" {
@@ -275,7 +290,9 @@ void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
 int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg);
 
-void* __wrap_malloc(size_t size) { return allocation_fails() ? nullptr : __real_malloc(size); }
+void* __wrap_malloc(size_t size) {
+    return allocation_fails() ? nullptr : __real_malloc(size);
+}
 
 // Also what an optimiser makes of a malloc that is filled with zeros.
 void* __wrap_calloc(size_t count, size_t size) {
