@@ -1,0 +1,92 @@
+#include "hex_text.h"
+
+namespace handset {
+namespace {
+
+constexpr char kDigits[] = "0123456789ABCDEF";
+constexpr size_t kZeroTail = 8;
+
+int digit_value(char digit) {
+    if (digit >= '0' && digit <= '9')
+        return digit - '0';
+    if (digit >= 'A' && digit <= 'F')
+        return digit - 'A' + 10;
+    if (digit >= 'a' && digit <= 'f')
+        return digit - 'a' + 10;
+    return -1;
+}
+
+void append_byte(std::string& out, uint8_t byte) {
+    out += kDigits[byte >> 4];
+    out += kDigits[byte & 15];
+}
+
+}  // namespace
+
+void append_hex(std::string& out, wire::View bytes) {
+    size_t shown = bytes.size;
+    while (shown > 0 && bytes.data[shown - 1] == 0)
+        --shown;
+    size_t zeros = bytes.size - shown;
+    if (zeros < kZeroTail) {
+        shown = bytes.size;
+        zeros = 0;
+    }
+    for (size_t i = 0; i < shown; ++i) {
+        if (i > 0)
+            out += ' ';
+        append_byte(out, bytes.data[i]);
+    }
+    if (zeros > 0)
+        out += (shown > 0 ? " (+" : "(+") + std::to_string(zeros) + " zero)";
+}
+
+std::optional<wire::Bytes> parse_hex(std::string_view text) {
+    wire::Bytes bytes;
+    for (size_t i = 0; i < text.size();) {
+        if (text[i] == ' ') {
+            ++i;
+            continue;
+        }
+        const int high = digit_value(text[i]);
+        const int low = i + 1 < text.size() ? digit_value(text[i + 1]) : -1;
+        if (high < 0 || low < 0)
+            return std::nullopt;
+        bytes.push_back(static_cast<uint8_t>(high * 16 + low));
+        i += 2;
+    }
+    return bytes;
+}
+
+void append_quoted(std::string& out, std::string_view text) {
+    out += '"';
+    for (const char c : text) {
+        switch (c) {
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            default:
+                if (c >= ' ' && c <= '~') {
+                    out += c;
+                } else {
+                    out += "\\x";
+                    append_byte(out, static_cast<uint8_t>(c));
+                }
+        }
+    }
+    out += '"';
+}
+
+}  // namespace handset

@@ -1,0 +1,39 @@
+#include "profile.h"
+
+#include <cstring>
+
+#include "handset_folder.h"
+
+namespace handset {
+namespace {
+
+constexpr size_t kMostFaults = 1000;
+
+void read_profile(Section& section, ModemProfile& modem) {
+    auto time = static_cast<uint32_t>(modem.restart_time.count());
+    section.integer<uint32_t>("restart_ms", time, 0, 600'000);
+    modem.restart_time = std::chrono::milliseconds(time);
+}
+
+}  // namespace
+
+Profile parse_profile(const std::string& text, const std::string& name) {
+    Profile profile;
+    read_sections(text, name, [&profile](Section& root) {
+        root.object("modem", [&](Section& section) { read_profile(section, profile.modem); });
+        root.object("efs", [&](Section& section) { read_profile(section, profile.efs); });
+        root.list("faults", kMostFaults,
+                  [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
+    });
+    return profile;
+}
+
+Profile load_profile(const std::string& path) {
+    int error = 0;
+    const auto content = read_file(path, error);
+    if (!content)
+        throw system_error("cannot read the profile " + path, error);
+    return parse_profile(std::string(content->begin(), content->end()), path);
+}
+
+}  // namespace handset

@@ -1,0 +1,32 @@
+// What kind of handset is simulated, as a profile file describes it. Every subject declares its own part
+// beside its code; here they come together.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "fault.h"
+#include "modem_files.h"
+#include "profile_section.h"
+
+namespace handset {
+
+struct ModemProfile {
+    /// From the moment the services go away until they are back.
+    std::chrono::milliseconds restart_time{1000};
+};
+
+struct Profile {
+    ModemProfile modem;
+    EfsProfile efs;
+    std::vector<Fault> faults;
+};
+
+/// Reads a profile from JSON text; `name` is what error lines call it. Throws ProfileError.
+Profile parse_profile(const std::string& text, const std::string& name);
+
+/// Reads a profile from a file. Throws Error.
+Profile load_profile(const std::string& path);
+
+}  // namespace handset

@@ -1,0 +1,156 @@
+#include "qmi_service.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace handset {
+namespace {
+
+bool well_formed(wire::View body) {
+    wire::TlvReader reader(body);
+    while (reader.next()) {
+    }
+    return reader.ok();
+}
+
+class QmiExchange : public Exchange {
+public:
+    QmiExchange(const QmiPort& port, QmiService& service, ConnectionId connection,
+                const wire::QmiPacket& packet)
+        : port_(port),
+          service_(service),
+          packet_(packet),
+          request_{connection, packet.message, packet.body} {}
+
+    ExchangeKey key() const override {
+        ExchangeKey key;
+        key.service = service_.id();
+        key.message = packet_.message;
+        service_.complete(key, request_);
+        return key;
+    }
+
+    Answer act() override {
+        if (!well_formed(packet_.body))
+            return {packed(service_.refusal(kQmiErrorMalformed)), {}};
+        QmiAnswer answer = service_.handle(request_);
+        return {packed(std::move(answer.body)), answer.delay};
+    }
+
+    wire::Bytes with_result(int32_t result) const override {
+        return packed(service_.refusal(static_cast<uint32_t>(result)));
+    }
+    wire::Bytes with_modem_result(int32_t result) const override {
+        return packed(service_.modem_result(request_, result));
+    }
+    wire::Bytes with_payload(wire::View payload) const override { return packed(service_.payload(payload)); }
+    wire::Bytes with_tlvs(wire::View tlvs) const override { return packed(tlvs.copy()); }
+
+    wire::Bytes cut(wire::View packet, size_t keep) const override {
+        auto answer = wire::decode_qmi(packet);
+        if (!answer)
+            return packet.copy();
+        answer->body.resize(std::min(keep, answer->body.size()));
+        return wire::encode(*answer);
+    }
+
+    WireLine answer_line(wire::View packet) const override {
+        return port_.line(request_.connection, Direction::kFromModem, packet);
+    }
+    WireLine no_answer_line() const override {
+        return WireLine(port_.where(), request_.connection, Direction::kFromModem)
+            .word("none")
+            .word("#" + std::to_string(packet_.transaction));
+    }
+
+private:
+    wire::Bytes packed(wire::Bytes body) const {
+        return wire::encode({wire::kQmiResponse, packet_.transaction, packet_.message, std::move(body)});
+    }
+
+    const QmiPort& port_;
+    QmiService& service_;
+    const wire::QmiPacket& packet_;
+    QmiRequest request_;
+};
+
+const char* kind_name(uint8_t flags) {
+    return flags == wire::kQmiRequest      ? "request"
+           : flags == wire::kQmiResponse   ? "response"
+           : flags == wire::kQmiIndication ? "indication"
+                                           : "unknown";
+}
+
+}  // namespace
+
+wire::Writer qmi_result(uint32_t error) {
+    wire::Writer value;
+    value.u16(error == 0 ? 0 : 1).u16(static_cast<uint16_t>(error));
+    wire::Writer body;
+    body.tlv(0x02, value.data());
+    return body;
+}
+
+wire::Bytes QmiService::refusal(uint32_t error) const {
+    return qmi_result(error).take();
+}
+
+std::string QmiService::message_name(uint16_t) const {
+    return "message";
+}
+
+void QmiService::describe(wire::QmiFlags, uint16_t, wire::View body, WireLine& line) const {
+    wire::TlvReader reader(body);
+    while (const auto tlv = reader.next()) {
+        char name[8];
+        snprintf(name, sizeof name, "0x%02X", tlv->type);
+        line.bytes(name, tlv->value);
+    }
+    if (!reader.ok())
+        line.word("malformed").bytes("body", body);
+}
+
+void QmiService::indicate(uint16_t message, const wire::Bytes& body) {
+    if (port_ != nullptr)
+        port_->indicate(message, body);
+}
+
+QmiPort::QmiPort(Handset& handset, std::unique_ptr<QmiService> service)
+    : Port(handset, "qmi/" + service_name(service->id()), "qmi/" + std::to_string(service->id()),
+           wire::kQmiPacketMax),
+      service_(std::move(service)) {
+    service_->port_ = this;
+}
+
+void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
+    const wire::Bytes packet = wire::encode({wire::kQmiIndication, 0, message, body});
+    for (const ConnectionId connection : connections())
+        send(connection, packet, line(connection, Direction::kFromModem, packet));
+}
+
+void QmiPort::received(ConnectionId connection, wire::View bytes) {
+    log(line(connection, Direction::kToModem, bytes));
+    const auto packet = wire::decode_qmi(bytes);
+    // Without a whole header there is no transaction to answer; and only requests are answered.
+    if (!packet || packet->flags != wire::kQmiRequest)
+        return;
+    QmiExchange exchange(*this, *service_, connection, *packet);
+    answer(connection, exchange);
+}
+
+WireLine QmiPort::line(ConnectionId connection, Direction direction, wire::View bytes) const {
+    WireLine line(where(), connection, direction);
+    const auto packet = wire::decode_qmi(bytes);
+    if (!packet) {
+        line.word("malformed").bytes("packet", bytes);
+        return line;
+    }
+    line.word(kind_name(packet->flags))
+        .word(service_->message_name(packet->message) + "(" + std::to_string(packet->message) + ")")
+        .word("#" + std::to_string(packet->transaction));
+    service_->describe(static_cast<wire::QmiFlags>(packet->flags), packet->message, packet->body, line);
+    return line;
+}
+
+}  // namespace handset

@@ -1,0 +1,90 @@
+// What a QMI service of the modem must say: its number and how it answers. Framing, connections, faults and
+// the wire log are QmiPort's; a new service is one class derived from QmiService and one line in
+// subjects.cpp.
+#pragma once
+
+#include <string>
+
+#include "port.h"
+#include "qmi_names.h"
+#include "wire.h"
+
+namespace handset {
+
+class QmiPort;
+
+struct QmiRequest {
+    ConnectionId connection = 0;
+    uint16_t message = 0;
+    wire::View body;  // well-formed TLVs
+
+    /// The value of a TLV, empty when it is absent.
+    wire::View tlv(uint8_t type) const { return wire::find_tlv(body, type).value_or(wire::View()); }
+};
+
+struct QmiAnswer {
+    wire::Bytes body;
+    std::chrono::milliseconds delay{0};
+};
+
+class QmiService {
+public:
+    explicit QmiService(uint16_t id) : id_(id) {}
+    virtual ~QmiService() = default;
+    QmiService(const QmiService&) = delete;
+    QmiService& operator=(const QmiService&) = delete;
+
+    uint16_t id() const { return id_; }
+
+    /// Carries a request out. A message that the service does not have is answered with
+    /// `refusal(kQmiErrorInvalidMessage)`.
+    virtual QmiAnswer handle(const QmiRequest& request) = 0;
+
+    /// The body of an answer with the given error and nothing else; 0 is success. The standard result, unless
+    /// the service has another.
+    virtual wire::Bytes refusal(uint32_t error) const;
+
+    /// Bodies that faults ask for; only the extension service knows payloads.
+    virtual wire::Bytes modem_result(const QmiRequest&, int32_t) const { return {}; }
+    virtual wire::Bytes payload(wire::View) const { return {}; }
+
+    /// Adds what a fault may choose by, beyond the message.
+    virtual void complete(ExchangeKey&, const QmiRequest&) const {}
+
+    virtual void connection_closed(ConnectionId) {}
+
+    /// For the wire log: the message's name, and its body. As long as a service does not decode it, each TLV
+    /// is a field of its own.
+    virtual std::string message_name(uint16_t message) const;
+    virtual void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const;
+
+protected:
+    /// Sends an indication to all that are connected.
+    void indicate(uint16_t message, const wire::Bytes& body);
+
+private:
+    friend class QmiPort;
+    const uint16_t id_;
+    QmiPort* port_ = nullptr;
+};
+
+/// The standard result, TLV 0x02; error 0 is success. Further TLVs go behind it.
+wire::Writer qmi_result(uint32_t error = 0);
+
+class QmiPort : public Port {
+public:
+    QmiPort(Handset& handset, std::unique_ptr<QmiService> service);
+
+    const QmiService& service() const { return *service_; }
+    void indicate(uint16_t message, const wire::Bytes& body);
+    WireLine line(ConnectionId connection, Direction direction, wire::View packet) const;
+
+protected:
+    void received(ConnectionId connection, wire::View packet) override;
+    void connection_closed(ConnectionId connection) override { service_->connection_closed(connection); }
+
+private:
+    std::unique_ptr<QmiService> service_;
+};
+
+}  // namespace handset

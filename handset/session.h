@@ -1,0 +1,32 @@
+// One handset from boot to power-off: in the foreground until it is told to stop, or around a command or a
+// shell.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace handset {
+
+/// What a person chooses; empty: the default.
+struct BootOptions {
+    std::string dir;
+    std::string profile;
+};
+
+/// Status of a run whose handset could not boot, so that it is not taken for the command's own.
+constexpr int kBootFailed = 125;
+
+/// Boots, prints "vxk-handset: ready in DIR", and runs until SIGINT, SIGTERM or SIGHUP. Returns 0; throws
+/// Error.
+int serve(const BootOptions& options);
+
+/// Boots, in a temporary folder that is removed at the end unless one is named, runs the command with
+/// VXK_HANDSET_DIR set, and returns its status: 128 and the signal's number when one ended it, 126 or 127
+/// when it could not be started. A SIGTERM or SIGHUP is handed on to the command; SIGINT and SIGQUIT reach it
+/// from the terminal. Throws Error.
+int run_command(const BootOptions& options, const std::vector<std::string>& command);
+
+/// The same with the person's own shell, and a word on what to try.
+int run_shell(const BootOptions& options);
+
+}  // namespace handset

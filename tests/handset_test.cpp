@@ -1,0 +1,439 @@
+// The handset as its clients see it: bytes on its sockets, files in its folder.
+#include "handset_fixture.h"
+
+#include "handset_folder.h"
+#include "hex_text.h"
+#include "profile.h"
+#include "show.h"
+
+namespace handset_test {
+namespace {
+
+using handset::parse_hex;
+using wire::Bytes;
+
+constexpr int kShortly = 100;  // ms in which nothing may come
+
+Bytes hex(const std::string& text) {
+    return parse_hex(text).value();
+}
+
+std::string text_of(const Bytes& bytes) {
+    std::string text;
+    handset::append_hex(text, bytes);
+    return text;
+}
+
+Bytes extension_body(uint32_t id, const Bytes& payload) {
+    wire::Writer body;
+    body.u8(1).u16(4).u32(id).u8(2).u16(4).u32(static_cast<uint32_t>(payload.size()));
+    body.tlv(0x10, payload);
+    return body.take();
+}
+
+// Payload of request id 2.
+struct FileRequest {
+    uint8_t command;
+    std::string path;
+    uint32_t total = 0;
+    uint32_t chunk = 0;
+    uint32_t offset = 0;
+    Bytes data = {};
+    uint8_t sub = 0;
+    uint16_t item = 0;
+
+    Bytes payload() const {
+        wire::Writer writer;
+        writer.u8(command).u8(sub).u16(item).u8(static_cast<uint8_t>(path.size()));
+        writer.bytes({path.data(), std::min<size_t>(path.size(), 71)});
+        while (writer.size() < 76)
+            writer.u8(0);
+        writer.u32(total).u32(chunk).u32(offset).bytes(data);
+        Bytes bytes = writer.take();
+        bytes.resize(512);
+        return bytes;
+    }
+};
+
+class ExtensionClient : public Client {
+public:
+    explicit ExtensionClient(const RunningHandset& handset) : Client(handset.dir(), "qmi/65508") {}
+
+    /// The payload of an answer whose id is 0.
+    std::optional<Bytes> request(uint32_t id, const Bytes& payload) {
+        const auto body = exchange(2, extension_body(id, payload));
+        if (!body || wire::Reader(wire::find_tlv(*body, 1).value_or(wire::View())).u32() != 0)
+            return std::nullopt;
+        return wire::find_tlv(*body, 0x10).value_or(wire::View()).copy();
+    }
+
+    struct FileAnswer {
+        int32_t result = 1;
+        uint32_t total = 0;
+        std::string data;
+    };
+    FileAnswer file(const FileRequest& request_fields) {
+        const auto payload = request(2, request_fields.payload());
+        if (!payload)
+            return {};
+        wire::Reader reader(*payload);
+        reader.u32();
+        FileAnswer answer;
+        answer.total = reader.u32();
+        const uint32_t chunk = reader.u32();
+        reader.u32();
+        answer.result = reader.i32();
+        const wire::View data = reader.rest();
+        EXPECT_EQ(chunk, data.size);
+        answer.data.assign(data.data, data.data + data.size);
+        return answer;
+    }
+
+    int32_t write(const std::string& path, const std::string& content) {
+        int32_t result = 0;
+        size_t offset = 0;
+        do {
+            const std::string chunk = content.substr(offset, 414);
+            result =
+                file({5, path, static_cast<uint32_t>(content.size()), static_cast<uint32_t>(chunk.size()),
+                      static_cast<uint32_t>(offset), Bytes(chunk.begin(), chunk.end())})
+                    .result;
+            offset += chunk.size();
+        } while (result == 0 && offset < content.size());
+        return result;
+    }
+
+    std::string read_all(const std::string& path) {
+        std::string content;
+        FileAnswer answer;
+        do {
+            answer = file({4, path, 0, 0, static_cast<uint32_t>(content.size())});
+            EXPECT_EQ(answer.result, 0);
+            content += answer.data;
+        } while (answer.result == 0 && !answer.data.empty() && content.size() < answer.total);
+        return content;
+    }
+};
+
+std::string pattern(size_t size) {
+    std::string content;
+    for (size_t i = 0; i < size; ++i)
+        content += static_cast<char>(i * 7 + i / 256);
+    return content;
+}
+
+class HandsetTest : public testing::Test {
+protected:
+    std::optional<std::string> stored(const std::string& name) const { return place_.read("h/" + name); }
+
+    TestFolder place_;
+};
+
+TEST_F(HandsetTest, ReadsBackWhatWasWrittenAtEveryChunkBoundary) {
+    const RunningHandset handset(place_);
+    ExtensionClient client(handset);
+    for (const size_t size : {0U, 1U, 413U, 414U, 415U, 828U, 829U, 102'409U}) {
+        SCOPED_TRACE(size);
+        EXPECT_EQ(client.write("/nv/x", pattern(size)), 0);
+        EXPECT_EQ(stored("efs/0/nv/x"), pattern(size));
+        EXPECT_EQ(client.read_all("/nv/x"), pattern(size));
+    }
+    EXPECT_EQ(client.file({6, "/nv/x"}).result, 0);
+    EXPECT_EQ(client.file({6, "/nv/x"}).result, -2);
+}
+
+TEST_F(HandsetTest, AnswersEachFileRequestWithItsResult) {
+    const RunningHandset handset(place_, R"({"efs": {"file_max": 1000, "read_only": ["/ro"]}})");
+    place_.write("h/efs/0/ro/f", "kept");
+    place_.write("h/efs/1/one", "second");
+    place_.write("secret", "outside");
+    place_.write("h/nv/0/5", std::string(500, 'n'));
+    const Bytes three = hex("01 02 03");
+    const struct {
+        FileRequest request;
+        int32_t result;
+        std::string data;
+    } rows[] = {
+        {{4, "/absent"}, -2, ""},
+        {{4, "one", 0, 0, 0, {}, 1}, 0, "second"},
+        {{4, "/one"}, -2, ""},
+        {{4, "/one", 0, 0, 0, {}, 2}, -22, ""},
+        {{4, std::string("/ro/f\0", 6)}, 0, "kept"},
+        {{4, std::string("/ro\0/f", 6)}, -22, ""},
+        {{4, "//./ro///f"}, 0, "kept"},
+        {{4, "/ro"}, -13, ""},
+        {{4, "/ro/f/deeper"}, -2, ""},
+        {{4, "/ro/f", 0, 0, 4}, 0, ""},
+        {{4, "/ro/f", 0, 0, 5}, -22, ""},
+        {{4, ""}, -22, ""},
+        {{4, "/"}, -22, ""},
+        {{4, "../../../secret"}, -13, ""},
+        {{4, "/ro/../../../../secret"}, -13, ""},
+        {{6, "/ro/.."}, -13, ""},
+        {{4, std::string(71, 'p')}, -2, ""},
+        {{4, std::string(72, 'p')}, -22, ""},
+        {{5, "/ro/f", 3, 3, 0, three}, -13, ""},
+        {{6, "/ro/f"}, -13, ""},
+        {{5, "/rof", 3, 3, 0, three}, 0, ""},
+        {{5, "/rof/below", 3, 3, 0, three}, -13, ""},
+        {{5, "/big", 1001, 414, 0, three}, -28, ""},
+        {{5, "/lie", 3, 4, 0, three}, -22, ""},
+        {{5, "/lie", 1000, 425, 0, three}, -22, ""},
+        {{5, "/lie", 1000, 0, 0, three}, -22, ""},
+        {{5, "/lie", 10, 3, 7, three}, -22, ""},
+        {{5, "/lie", 10, 3, 0xFFFFFFFE, three}, -22, ""},
+        {{1, "", 0, 0, 0, {}, 0, 5}, 0, std::string(414, 'n')},
+        {{1, "", 0, 0, 0, {}, 0, 7233}, -22, ""},
+        {{1, "", 0, 0, 0, {}, 1, 5}, -2, ""},
+        {{2, "", 3, 0, 0, three, 1, 7232}, 0, ""},
+        {{2, "", 425, 0, 0, three, 1, 7232}, -22, ""},
+        {{1, "", 0, 0, 0, {}, 1, 7232}, 0, "\1\2\3"},
+        {{3, "", 0, 0, 0, {}, 1, 7232}, 0, ""},
+        {{3, "", 0, 0, 0, {}, 1, 7232}, -2, ""},
+        {{0, "/ro/f"}, -22, ""},
+        {{7, "/ro/f"}, -22, ""},
+    };
+    ExtensionClient client(handset);
+    for (const auto& row : rows) {
+        const auto answer = client.file(row.request);
+        SCOPED_TRACE(testing::PrintToString(&row - rows) + " " + row.request.path);
+        EXPECT_EQ(answer.result, row.result);
+        EXPECT_EQ(answer.data, row.data);
+    }
+    EXPECT_EQ(stored("efs/0/ro/f"), "kept");
+    EXPECT_EQ(stored("efs/0/lie"), std::nullopt);
+    EXPECT_EQ(place_.read("secret"), "outside");
+}
+
+TEST_F(HandsetTest, AWriteThatStopsHalfWayLeavesTheOldFile) {
+    const FileRequest first{5, "/f", 500, 414, 0, Bytes(414, 'x')};
+    place_.write("h/efs/0/f", "old");
+    RunningHandset handset(place_);
+    {
+        ExtensionClient client(handset);
+        EXPECT_EQ(client.file(first).result, 0);
+        EXPECT_EQ(client.read_all("/f"), "old");
+        // The rest of somebody else's transfer.
+        ExtensionClient other(handset);
+        EXPECT_EQ(other.file({5, "/f", 500, 86, 414, Bytes(86, 'y')}).result, -22);
+        EXPECT_EQ(client.file({5, "/f", 500, 86, 415, Bytes(86, 'y')}).result, -22);
+        EXPECT_EQ(client.file({5, "/f", 500, 86, 414, Bytes(86, 'y')}).result, -22);
+        EXPECT_EQ(client.file(first).result, 0);
+    }
+    ExtensionClient client(handset);
+    EXPECT_EQ(client.file({5, "/f", 500, 86, 414, Bytes(86, 'y')}).result, -22);
+    EXPECT_EQ(client.file(first).result, 0);
+    handset.stop(SIGKILL);
+    EXPECT_EQ(stored("efs/0/f"), "old");
+
+    const RunningHandset again(place_);
+    ExtensionClient survivor(again);
+    EXPECT_EQ(survivor.read_all("/f"), "old");
+    EXPECT_EQ(survivor.write("/f", pattern(500)), 0);
+    EXPECT_EQ(stored("efs/0/f"), pattern(500));
+    EXPECT_TRUE(std::filesystem::is_empty(place_.at("h/staging")));
+}
+
+TEST_F(HandsetTest, AnswersPayloadsAndMalformedMessages) {
+    const RunningHandset handset(place_);
+    ExtensionClient client(handset);
+    const struct {
+        const char* body;
+        uint16_t message;
+        const char* answer;
+    } rows[] = {
+        // Raw request ids send the bytes back.
+        {"01 04 00 03 00 00 00 02 04 00 02 00 00 00 10 02 00 01 02", 2,
+         "01 04 00 00 00 00 00 02 04 00 02 00 00 00 10 02 00 01 02"},
+        {"01 04 00 05 00 00 00 02 04 00 00 00 00 00", 3, "01 04 00 00 00 00 00 02 04 00 00 00 00 00"},
+        // Common request of an unknown code, direct form.
+        {"01 04 00 04 00 00 00 02 04 00 04 00 00 00 10 04 00 63 00 00 00", 2,
+         "01 04 00 00 00 00 00 02 04 00 10 00 00 00 10 10 00 00 00 00 00 00 00 00 00 63 00 00 00 00 00 00 "
+         "00"},
+        // t/l/v form whose value runs past the payload.
+        {"01 04 00 04 00 00 00 02 04 00 11 00 00 00 10 11 00 02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 "
+         "01",
+         2,
+         "01 04 00 00 00 00 00 02 04 00 10 00 00 00 10 10 00 00 00 00 00 EA FF FF FF 1F 00 00 00 00 00 00 "
+         "00"},
+        {"01 04 00 06 00 00 00 02 04 00 00 00 00 00", 2, "01 04 00 5E 00 00 00 02 04 00 00 00 00 00"},
+        {"01 04 00 03 00 00 00 02 04 00 03 00 00 00 10 02 00 01 02", 2,
+         "01 04 00 01 00 00 00 02 04 00 00 00 00 00"},
+        {"01 04 00 03 00 00 00", 2, "01 04 00 01 00 00 00 02 04 00 00 00 00 00"},
+        {"01 02 00 03 00 02 04 00 00 00 00 00", 2, "01 04 00 01 00 00 00 02 04 00 00 00 00 00"},
+        {"01 FF 00 03", 2, "01 04 00 01 00 00 00 02 04 00 00 00 00 00"},
+        {"", 77, "01 04 00 47 00 00 00 02 04 00 00 00 00 00"},
+    };
+    for (const auto& row : rows) {
+        const auto answer = client.exchange(row.message, hex(row.body));
+        ASSERT_TRUE(answer) << row.body;
+        EXPECT_EQ(text_of(*answer), text_of(hex(row.answer))) << row.body;
+    }
+    for (const char* packet :
+         {"00", "00 01 00 02 00 05 00 01", "02 01 00 02 00 00 00", "04 00 00 02 00 00 00"}) {
+        client.send(hex(packet));
+        EXPECT_FALSE(client.receive(kShortly)) << packet;
+    }
+    EXPECT_TRUE(client.request(0, {}));
+}
+
+TEST_F(HandsetTest, FaultsSpoilTheExchangesTheyName) {
+    const struct {
+        const char* fault;
+        std::vector<std::string> answers;  // of one request after the other; the request is echoed by default
+    } rows[] = {
+        {R"("action": "no_answer")", {"none", "echo"}},
+        {R"("action": "no_answer", "skip": 1, "hits": 2)", {"echo", "none", "none", "echo"}},
+        {R"("action": "no_answer", "hits": 0)", {"none", "none", "none"}},
+        {R"("request": 2, "action": "no_answer")", {"echo"}},
+        {R"("message": 3, "action": "no_answer")", {"echo"}},
+        {R"("request": 3, "message": 2, "action": "close")", {"closed"}},
+        {R"("action": "late", "ms": 150)", {"none", "late"}},
+        {R"("action": "result", "result": -7)", {"01 04 00 F9 FF FF FF 02 04 00 00 00 00 00"}},
+        {R"("action": "payload", "bytes": "aa bb")",
+         {"01 04 00 00 00 00 00 02 04 00 02 00 00 00 10 02 00 AA BB", "echo"}},
+        {R"("action": "tlvs", "bytes": "01 04 00 01")", {"01 04 00 01"}},
+        {R"("action": "cut", "keep": 3)", {"01 04 00"}},
+        {R"("action": "modem_result", "result": 5)",
+         {"01 04 00 00 00 00 00 02 04 00 10 00 00 00 10 10 00 00 00 00 00 05 00 00 00 09 00 00 00 00 00 00 "
+          "00"}},
+    };
+    const Bytes request = extension_body(3, hex("09 00 00 00"));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const TestFolder place;
+        const RunningHandset handset(
+            place, std::string(R"({"faults": [{"service": "extension", )") + row.fault + "}]}");
+        ExtensionClient client(handset);
+        for (const std::string& wanted : row.answers) {
+            if (wanted == "late") {
+                EXPECT_TRUE(client.receive());
+                continue;
+            }
+            client.send(wire::encode({wire::kQmiRequest, 1, 2, request}));
+            const auto packet = client.receive(wanted == "none" ? kShortly : 5000);
+            if (wanted == "none") {
+                EXPECT_FALSE(packet);
+                continue;
+            }
+            ASSERT_TRUE(packet);
+            const auto answer = wire::decode_qmi(*packet);
+            EXPECT_EQ(
+                packet->empty() ? "closed"
+                : answer        ? text_of(answer->body)
+                                : "malformed",
+                wanted == "echo" ? "01 04 00 00 00 00 00 02 04 00 04 00 00 00 10 04 00 09 00 00 00" : wanted);
+        }
+    }
+}
+
+TEST_F(HandsetTest, AFaultMayStrikeAfterTheModemHasActed) {
+    const RunningHandset handset(place_, R"({"faults": [
+        {"service": 65508, "request": 2, "code": 5, "action": "modem_result", "result": -28},
+        {"service": 65508, "request": 2, "code": 5, "action": "no_answer", "acts": true},
+        {"service": 65508, "request": 0, "action": "withdraw", "ms": 300}]})");
+    ExtensionClient client(handset);
+    EXPECT_EQ(client.write("/f", "one"), -28);
+    EXPECT_EQ(stored("efs/0/f"), std::nullopt);
+    client.send(wire::encode(
+        {wire::kQmiRequest, 9, 2, extension_body(2, FileRequest{5, "/f", 1, 1, 0, {7}}.payload())}));
+    EXPECT_FALSE(client.receive(kShortly));
+    EXPECT_EQ(stored("efs/0/f"), "\7");
+
+    EXPECT_FALSE(client.request(0, {}));
+    EXPECT_FALSE(ExtensionClient(handset).connected());
+    for (int i = 0; i < 500 && !std::filesystem::exists(handset.dir() + "/qmi/65508"); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(ExtensionClient(handset).request(0, {}));
+}
+
+TEST_F(HandsetTest, RefusesAProfileWithItsPlace) {
+    const struct {
+        const char* text;
+        const char* line;
+    } rows[] = {
+        {"",
+         "p:1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
+         "literal"},
+        {"{\n  \"efs\": tru\n}",
+         "p:2:13: syntax error while parsing value - invalid literal; last read: '\"efs\": tru<U+000A>'"},
+        {"[]", "p: /: expected an object, found []"},
+        {R"({"cardz": 1})", "p: /cardz: unknown key"},
+        {R"({"efs": {"a/b~": 1}})", "p: /efs/a~1b~0: unknown key"},
+        {R"({"efs": 1})", "p: /efs: expected an object, found 1"},
+        {R"({"modem": {"restart_ms": "soon"}})",
+         "p: /modem/restart_ms: expected a whole number from 0 to 600000, found \"soon\""},
+        {R"({"modem": {"restart_ms": 600001}})",
+         "p: /modem/restart_ms: expected a whole number from 0 to 600000, found 600001"},
+        {R"({"modem": {"restart_ms": -1}})",
+         "p: /modem/restart_ms: expected a whole number from 0 to 600000, found -1"},
+        {R"({"modem": {"restart_ms": 1.5}})",
+         "p: /modem/restart_ms: expected a whole number from 0 to 600000, found 1.5"},
+        {R"({"modem": {"restart_ms": 1, "restart_ms": 2}})",
+         "p: /: the key \"restart_ms\" stands twice in one object"},
+        {R"({"efs": {"read_only": ["/a", 7]}})", "p: /efs/read_only/1: expected a text, found 7"},
+        {R"({"efs": {"read_only": ["../a"]}})", "p: /efs/read_only: \"../a\" is not a path in the EFS"},
+        {R"({"faults": {}})", "p: /faults: expected a list of at most 1000 objects, found {}"},
+        {R"({"faults": [{"action": "close"}, 3]})", "p: /faults/1: expected an object, found 3"},
+        {R"({"faults": [{}]})", "p: /faults/0: the key \"action\" is missing"},
+        {R"({"faults": [{"action": "late"}]})", "p: /faults/0: the key \"ms\" is missing"},
+        {R"({"faults": [{"action": "close", "ms": 5}]})", "p: /faults/0/ms: unknown key"},
+        {R"({"faults": [{"action": "close", "service": "x"}]})",
+         "p: /faults/0/service: no service has this name"},
+        {R"({"faults": [{"action": "close", "road": "at"}]})",
+         "p: /faults/0/road: expected one of \"qmi\", \"diag\", found \"at\""},
+        {R"({"faults": [{"action": "tlvs", "bytes": "0x1"}]})",
+         "p: /faults/0/bytes: expected at most 65535 bytes as hexadecimal pairs (\"01 02 FF\"), found "
+         "\"0x1\""},
+        {R"({"faults": [{"action": "payload", "bytes": "", "service": "uim"}]})",
+         "p: /faults/0/action: \"payload\" needs \"service\": \"extension\" or \"road\": \"diag\""},
+        {R"({"faults": [{"action": "close", "hits": 18446744073709551616}]})",
+         "p: /faults/0/hits: expected a whole number from 0 to 4294967295, found 1.8446744073709552e+19"},
+        {R"({"faults": [{"action": "close", "acts": 1}]})",
+         "p: /faults/0/acts: expected true or false, found 1"},
+    };
+    for (const auto& row : rows) {
+        try {
+            handset::parse_profile(row.text, "p");
+            ADD_FAILURE() << "accepted: " << row.text;
+        } catch (const handset::ProfileError& error) {
+            EXPECT_STREQ(error.what(), row.line);
+        }
+    }
+    const auto profile = handset::parse_profile(R"({"modem": {"restart_ms": "0x10"}})", "p");
+    EXPECT_EQ(profile.modem.restart_time.count(), 16);
+    EXPECT_THROW(handset::load_profile(place_.at("absent")), handset::Error);
+}
+
+TEST_F(HandsetTest, AFolderHasOneHandsetAndOutlivesIt) {
+    const std::string dir = place_.at("h");
+    {
+        RunningHandset handset(place_);
+        EXPECT_GT(handset::running_handset(dir).value_or(0), 0);
+        EXPECT_THROW(handset::Folder{dir}, handset::Error);
+        EXPECT_TRUE(ExtensionClient(handset).connected()) << "the refused handset disturbed the live one";
+        handset.stop(SIGKILL);
+        EXPECT_FALSE(handset::running_handset(dir));
+        EXPECT_TRUE(std::filesystem::exists(dir + "/qmi/65508"));
+        EXPECT_FALSE(ExtensionClient(handset).connected());
+    }
+    {
+        RunningHandset handset(place_);
+        EXPECT_TRUE(ExtensionClient(handset).request(0, {}));
+        EXPECT_EQ(handset.stop(SIGTERM), 0);
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir + "/qmi/65508"));
+    EXPECT_EQ(std::filesystem::status(dir).permissions(), std::filesystem::perms::owner_all);
+
+    const std::string fits = place_.at(std::string(89 - place_.at("").size(), 'a'));
+    EXPECT_NO_THROW(handset::Folder{fits});
+    EXPECT_THROW(handset::Folder{fits + "a"}, handset::Error);
+    EXPECT_THROW(handset::Folder(place_.at("no/parent")), handset::Error);
+    place_.write("file", "");
+    EXPECT_THROW(handset::Folder(place_.at("file")), handset::Error);
+    std::filesystem::create_directory_symlink(fits, place_.at("link"));
+    EXPECT_THROW(handset::Folder(place_.at("link")), handset::Error);
+}
+
+}  // namespace
+}  // namespace handset_test
