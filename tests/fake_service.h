@@ -1,0 +1,84 @@
+// The other side of one socket of the handset's folder, for tests of the workstation library: a temporary
+// folder, and a listener in it that plays what the test says.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "unique_fd.h"
+#include "wire.h"
+
+/// An empty folder, named by VXK_HANDSET_DIR while this lives.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        char name[] = "/tmp/vxk-test-XXXXXX";
+        path_ = mkdtemp(name);
+        setenv("VXK_HANDSET_DIR", name, 1);
+    }
+    ~TemporaryFolder() {
+        unsetenv("VXK_HANDSET_DIR");
+        std::filesystem::remove_all(path_);
+    }
+    std::string path(const std::string& name = "") const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+/// One end of a connection. Every wait gives up after five seconds.
+class Peer {
+public:
+    explicit Peer(workstation::UniqueFd fd) : fd_(std::move(fd)) {}
+
+    /// The next packet; empty when the other side has gone.
+    wire::Bytes receive() {
+        wire::Bytes packet(wire::kQmiPacketMax);
+        pollfd watched{fd_.get(), POLLIN, 0};
+        EXPECT_EQ(poll(&watched, 1, 5000), 1) << "nothing arrived";
+        const ssize_t size = recv(fd_.get(), packet.data(), packet.size(), MSG_DONTWAIT);
+        packet.resize(size > 0 ? static_cast<size_t>(size) : 0);
+        return packet;
+    }
+    void send(const wire::Bytes& packet) {
+        EXPECT_EQ(::send(fd_.get(), packet.data(), packet.size(), MSG_NOSIGNAL),
+                  static_cast<ssize_t>(packet.size()));
+    }
+    void close() { fd_ = workstation::UniqueFd(); }
+
+private:
+    workstation::UniqueFd fd_;
+};
+
+class Listener {
+public:
+    explicit Listener(const std::string& path)
+        : path_(path), fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(bind(fd_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(listen(fd_.get(), 16), 0);
+    }
+    ~Listener() { unlink(path_.c_str()); }
+
+    Peer accept() {
+        pollfd watched{fd_.get(), POLLIN, 0};
+        EXPECT_EQ(poll(&watched, 1, 5000), 1) << "nobody connected";
+        return Peer(workstation::UniqueFd(accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC)));
+    }
+
+private:
+    std::string path_;
+    workstation::UniqueFd fd_;
+};

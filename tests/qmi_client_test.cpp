@@ -1,0 +1,366 @@
+// The QMI client library against a service that the test plays, packet by packet.
+#include "qmi_client.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <future>
+#include <optional>
+#include <thread>
+
+#include "fake_service.h"
+#include "modem_statistics_v01.h"
+#include "specific_absorption_rate_v01.h"
+#include "user_identity_module_v01.h"
+
+namespace {
+
+using testing::ElementsAre;
+using wire::Bytes;
+
+const qmi_idl_service_object_type kSar = sar_get_service_object_internal_v01(1, 0, 6);
+const qmi_idl_service_object_type kVs = vs_get_service_object_internal_v01(1, 0, 6);
+
+constexpr unsigned kForEver = 60000;
+
+// The standard result, and TLV 0x10 with the device state index.
+Bytes sar_body(uint32_t dsi) {
+    return wire::Writer().tlv(0x02, Bytes{0, 0, 0, 0}).tlv(0x10, wire::Writer().u32(dsi).data()).take();
+}
+
+Bytes answer_to(const Bytes& request, const Bytes& body) {
+    auto packet = wire::decode_qmi(request).value();
+    return wire::encode({wire::kQmiResponse, packet.transaction, packet.message, body});
+}
+
+Bytes indication(uint16_t message, const Bytes& body) {
+    return wire::encode({wire::kQmiIndication, 0, message, body});
+}
+
+/// What came to the callbacks, in order.
+struct Callbacks {
+    std::mutex mutex;
+    std::vector<std::string> calls;
+    std::atomic<std::thread::id> thread;
+    std::promise<void> hold;  // an indication with message id 6 waits for it
+    std::atomic<bool> is_held{false};
+
+    void add(const std::string& call) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        calls.push_back(call);
+        thread = std::this_thread::get_id();
+    }
+    std::vector<std::string> all() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return calls;
+    }
+    bool wait_for(size_t count) {
+        for (int i = 0; i < 5000 && all().size() < count; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return all().size() >= count;
+    }
+};
+
+void on_indication(qmi_client_type, unsigned message, void* buf, unsigned len, void* data) {
+    auto* callbacks = static_cast<Callbacks*>(data);
+    if (message == 6) {
+        callbacks->is_held = true;
+        callbacks->hold.get_future().wait();
+    }
+    callbacks->add("ind " + std::to_string(message) + " " + std::to_string(len) + (buf ? "" : " null"));
+}
+
+void on_error(qmi_client_type, qmi_client_error_type error, void* data) {
+    static_cast<Callbacks*>(data)->add("error " + std::to_string(error));
+}
+
+class QmiClient : public testing::Test {
+protected:
+    /// The service is published, and `client` is connected to it.
+    void connect() {
+        ASSERT_EQ(qmi_client_init_instance(kSar, QMI_CLIENT_INSTANCE_ANY, on_indication, &callbacks, nullptr,
+                                           4, &client),
+                  QMI_NO_ERR);
+        peer.emplace(listener->accept());
+    }
+    void connect_with_error_cb() {
+        connect();
+        ASSERT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
+    }
+    int ask(sar_get_dsi_resp_msg_v01* into, unsigned timeout_ms) {
+        return qmi_client_send_msg_sync(client, SAR_GET_DSI_V01, nullptr, 0, into, sizeof *into,
+                                        timeout_ms);
+    }
+    std::future<int> ask_in_thread(sar_get_dsi_resp_msg_v01* into, unsigned timeout_ms = kForEver) {
+        return std::async(std::launch::async, [=] { return ask(into, timeout_ms); });
+    }
+    void TearDown() override {
+        EXPECT_EQ(client ? qmi_client_release(client) : QMI_NO_ERR, QMI_NO_ERR);
+    }
+
+    TemporaryFolder folder;
+    std::optional<Listener> listener{folder.path("qmi/17")};
+    std::optional<Peer> peer;
+    Callbacks callbacks;
+    qmi_client_type client = nullptr;
+    sar_get_dsi_resp_msg_v01 response{};
+};
+
+TEST_F(QmiClient, ExchangesAndDecodes) {
+    connect();
+    for (uint32_t dsi = 1; dsi < 4; ++dsi) {
+        auto result = ask_in_thread(&response);
+        const Bytes request = peer->receive();
+        EXPECT_THAT(request, ElementsAre(0, dsi, 0, 2, 0, 0, 0));
+        peer->send(answer_to(request, sar_body(dsi)));
+        EXPECT_EQ(result.get(), 0);
+        EXPECT_EQ(response.dsi_valid, 1);
+        EXPECT_EQ(response.dsi, dsi);
+    }
+}
+
+TEST_F(QmiClient, DropsWhatAnswersNoOpenRequest) {
+    connect();
+    response.dsi = 7;
+    EXPECT_EQ(ask(&response, 10), QMI_TIMEOUT_ERR);
+    EXPECT_EQ(response.dsi, 0U);
+    const Bytes late = peer->receive();
+    auto result = ask_in_thread(&response);
+    const Bytes request = peer->receive();
+    Bytes other_message = answer_to(request, sar_body(2));
+    other_message[3] = 9;
+    for (const Bytes& packet :
+         {answer_to(late, sar_body(1)), other_message, request, Bytes{}, Bytes{2}, Bytes(7, 0x33),
+          answer_to(request, sar_body(4)), answer_to(request, sar_body(5))})
+        peer->send(packet);
+    EXPECT_EQ(result.get(), 0);
+    EXPECT_EQ(response.dsi, 4U);
+}
+
+TEST_F(QmiClient, FailsOnResponsesThatDoNotDecode) {
+    connect();
+    const std::vector<std::pair<const char*, Bytes>> tails = {
+        {"header cut short", {}},
+        {"length past the packet", {1, 0}},
+        {"bytes behind the length", {0, 0, 1}},
+        {"no mandatory element", {0, 0}},
+        {"TLV past the packet", {7, 0, 2, 5, 0, 0, 0, 0, 0}},
+        {"result of another width", {6, 0, 2, 3, 0, 0, 0, 0}},
+    };
+    for (const auto& [name, tail] : tails) {
+        auto result = ask_in_thread(&response);
+        Bytes packet = peer->receive();
+        packet[0] = wire::kQmiResponse;
+        packet.resize(5);
+        packet.insert(packet.end(), tail.begin(), tail.end());
+        peer->send(packet);
+        EXPECT_EQ(result.get(), QMI_INTERNAL_ERR) << name;
+    }
+}
+
+TEST_F(QmiClient, RefusesWhatItCannotSend) {
+    connect();
+    uint8_t room[sizeof response + 1] = {};
+    auto send = [&](qmi_client_type to, unsigned message, unsigned req_len, unsigned resp_len) {
+        return qmi_client_send_msg_sync(to, message, room, req_len, room, resp_len, 10);
+    };
+    EXPECT_EQ(send(client, 3, 0, sizeof response), QMI_INTERNAL_ERR);
+    EXPECT_EQ(send(client, 2, 0, sizeof response - 1), QMI_INTERNAL_ERR);
+    EXPECT_EQ(send(client, 2, 0, sizeof response + 1), QMI_TIMEOUT_ERR);
+    EXPECT_EQ(send(nullptr, 2, 0, sizeof response), QMI_INTERNAL_ERR);
+    EXPECT_EQ(send(room, 2, 0, sizeof response), QMI_INTERNAL_ERR);
+    EXPECT_EQ(qmi_client_message_decode(client, QMI_IDL_RESPONSE, 2, nullptr, 1, room, sizeof room), -1);
+    EXPECT_EQ(qmi_client_release(nullptr), QMI_INTERNAL_ERR);
+}
+
+TEST_F(QmiClient, DeliversIndicationsOnOneThreadInOrder) {
+    connect();
+    peer->send(indication(1, {9, 9}));
+    ASSERT_TRUE(callbacks.wait_for(1));
+    const auto thread = callbacks.thread.load();
+    EXPECT_NE(thread, std::this_thread::get_id());
+    auto result = ask_in_thread(&response);
+    const Bytes request = peer->receive();
+    peer->send(indication(2, {}));
+    ASSERT_TRUE(callbacks.wait_for(2)) << "while a request is open";
+    peer->send(indication(3, Bytes(65535)));
+    peer->send(answer_to(request, sar_body(1)));
+    peer->send(indication(4, {1}));
+    EXPECT_EQ(result.get(), 0);
+    ASSERT_TRUE(callbacks.wait_for(4));
+    EXPECT_THAT(callbacks.all(), ElementsAre("ind 1 2", "ind 2 0", "ind 3 65535", "ind 4 1"));
+    EXPECT_EQ(callbacks.thread.load(), thread);
+}
+
+TEST_F(QmiClient, OverlappingRequestsGetTheirOwnAnswers) {
+    connect();
+    constexpr size_t kCount = 4;
+    sar_get_dsi_resp_msg_v01 responses[kCount];
+    std::vector<std::future<int>> results;
+    std::vector<Bytes> requests;
+    for (auto& each : responses)
+        results.push_back(ask_in_thread(&each));
+    for (size_t i = 0; i < kCount; ++i)
+        requests.push_back(peer->receive());
+    for (size_t i = kCount; i > 0; --i)
+        peer->send(answer_to(requests[i - 1], sar_body(requests[i - 1][1])));
+    uint32_t sum = 0;
+    for (size_t i = 0; i < kCount; ++i) {
+        EXPECT_EQ(results[i].get(), 0);
+        sum += responses[i].dsi;
+    }
+    EXPECT_EQ(sum, 1U + 2 + 3 + 4);
+}
+
+TEST_F(QmiClient, TellsTheLossOnceBeforeTheOpenRequestReturns) {
+    connect_with_error_cb();
+    auto result = std::async(std::launch::async, [&] {
+        const int error = ask(&response, kForEver);
+        callbacks.add("returned " + std::to_string(error));
+    });
+    peer->receive();
+    peer->send(indication(1, {}));
+    peer->close();
+    result.get();
+    EXPECT_THAT(callbacks.all(), ElementsAre("ind 1 0", "error -2", "returned -2"));
+    EXPECT_EQ(ask(&response, kForEver), QMI_SERVICE_ERR);
+    EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
+    EXPECT_EQ(ask(&response, kForEver), QMI_SERVICE_ERR);
+    EXPECT_EQ(callbacks.all().size(), 3U);
+}
+
+TEST_F(QmiClient, TellsTheLossWithoutARequest) {
+    connect();
+    listener.reset();
+    // Unread bytes at the peer turn its end into a reset, which must not hide what it sent before.
+    EXPECT_EQ(ask(&response, 1), QMI_TIMEOUT_ERR);
+    peer->send(indication(1, {}));
+    peer->close();
+    ASSERT_TRUE(callbacks.wait_for(1));
+    EXPECT_EQ(ask(&response, kForEver), QMI_SERVICE_ERR);
+    // Registered late: told at once, on the library's thread.
+    EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
+    ASSERT_TRUE(callbacks.wait_for(2));
+    EXPECT_NE(callbacks.thread.load(), std::this_thread::get_id());
+    EXPECT_THAT(callbacks.all(), ElementsAre("ind 1 0", "error -2"));
+}
+
+TEST_F(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
+    connect_with_error_cb();
+    peer->send(indication(6, {}));
+    peer->send(indication(7, {}));
+    while (!callbacks.is_held)
+        std::this_thread::yield();
+    auto released = std::async(std::launch::async, [&] {
+        EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
+        callbacks.add("released");
+    });
+    EXPECT_TRUE(peer->receive().empty()) << "the connection ends while the callback runs";
+    EXPECT_THAT(callbacks.all(), ElementsAre());
+    callbacks.hold.set_value();
+    released.get();
+    EXPECT_THAT(callbacks.all(), ElementsAre("ind 6 0", "released"));
+    EXPECT_EQ(qmi_client_release(client), QMI_INTERNAL_ERR);
+    client = nullptr;
+}
+
+TEST_F(QmiClient, ReleaseEndsAnOpenRequest) {
+    connect_with_error_cb();
+    auto result = ask_in_thread(&response);
+    peer->receive();
+    EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
+    EXPECT_EQ(result.get(), QMI_SERVICE_ERR);
+    EXPECT_THAT(callbacks.all(), ElementsAre());
+    client = nullptr;
+}
+
+// Requests, indications and the end of the service from all sides at once, for the thread sanitizer.
+TEST_F(QmiClient, LivesThroughManyLives) {
+    for (int life = 0; life < 30; ++life) {
+        connect_with_error_cb();
+        std::thread service([&] {
+            for (int i = 0; i < 20; ++i) {
+                const Bytes request = peer->receive();
+                peer->send(indication(1, {}));
+                if (i % 3 != 0)
+                    peer->send(answer_to(request, sar_body(1)));
+            }
+            peer->close();
+        });
+        std::vector<std::future<int>> results;
+        sar_get_dsi_resp_msg_v01 responses[2];
+        for (auto& each : responses)
+            results.push_back(std::async(std::launch::async, [&] {
+                int result = 0;
+                while ((result = ask(&each, 3)) != QMI_SERVICE_ERR)
+                    EXPECT_NE(result, QMI_INTERNAL_ERR);
+                return result;
+            }));
+        if (life % 2 == 0)
+            service.join();
+        for (auto& result : results)
+            result.wait();
+        EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
+        if (service.joinable())
+            service.join();
+        client = nullptr;
+    }
+}
+
+TEST(QmiService, IsFoundWheneverItIsPublished) {
+    TemporaryFolder folder;
+    qmi_client_type client = nullptr;
+    qmi_client_type notifier = nullptr;
+    qmi_client_os_params signal;
+    unsigned services = 9;
+    unsigned entries = 1;
+    qmi_service_info info{};
+    ASSERT_EQ(qmi_client_notifier_init(kVs, &signal, &notifier), QMI_NO_ERR);
+    setenv("VXK_HANDSET_DIR", folder.path("later").c_str(), 1);
+    EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_SERVICE_ERR);
+    EXPECT_EQ(services, 0U);
+    EXPECT_EQ(qmi_client_init_instance(kVs, 0, nullptr, nullptr, nullptr, 4, &client), QMI_TIMEOUT_ERR);
+    EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 1), QMI_TIMEOUT_ERR);
+
+    testing::internal::CaptureStderr();
+    std::optional<Listener> listener;
+    std::thread handset([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        {
+            const Listener stale(folder.path("later/qmi/65509"));
+            std::filesystem::rename(folder.path("later/qmi/65509"), folder.path("later/stale"));
+        }
+        std::filesystem::rename(folder.path("later/stale"), folder.path("later/qmi/65509"));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::filesystem::remove(folder.path("later/qmi/65509"));
+        listener.emplace(folder.path("later/qmi/65509"));
+    });
+    while (qmi_client_get_service_list(kVs, nullptr, nullptr, &services) != QMI_NO_ERR)
+        EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 0), 0);
+    handset.join();
+    const std::string note = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(note, testing::HasSubstr(folder.path("later")));
+    EXPECT_THAT(note, testing::HasSubstr("vxk-handset serve"));
+    EXPECT_EQ(std::count(note.begin(), note.end(), '\n'), 1);
+
+    EXPECT_EQ(qmi_client_get_service_list(kVs, &info, &entries, &services), QMI_NO_ERR);
+    EXPECT_EQ(entries, 1U);
+    EXPECT_EQ(qmi_client_init(&info, kVs, nullptr, nullptr, nullptr, &client), QMI_NO_ERR);
+    EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
+    EXPECT_EQ(qmi_client_release(notifier), QMI_NO_ERR);
+    listener.reset();
+    EXPECT_EQ(qmi_client_init(&info, kVs, nullptr, nullptr, nullptr, &client), QMI_SERVICE_ERR);
+}
+
+TEST(ServiceObjects, AreGivenForTheirOwnVersionsAlone) {
+    EXPECT_NE(uim_get_service_object_internal_v01(1, 100, 6), nullptr);
+    EXPECT_EQ(uim_get_service_object_internal_v01(1, 99, 6), nullptr);
+    EXPECT_EQ(uim_get_service_object_internal_v01(1, 100, 5), nullptr);
+    uint32_t length = 1;
+    EXPECT_EQ(qmi_idl_get_message_c_struct_len(kVs, QMI_IDL_INDICATION, VS_STATE_IND_V01, &length), 0);
+    EXPECT_EQ(length, 1U);
+    EXPECT_NE(qmi_idl_get_message_c_struct_len(kVs, QMI_IDL_REQUEST, VS_STATE_IND_V01, &length), 0);
+    EXPECT_EQ(length, 0U);
+}
+
+}  // namespace
