@@ -22,6 +22,7 @@ Profile parse_profile(const std::string& text, const std::string& name) {
     read_sections(text, name, [&profile](Section& root) {
         root.object("modem", [&](Section& section) { read_profile(section, profile.modem); });
         root.object("efs", [&](Section& section) { read_profile(section, profile.efs); });
+        root.object("cards", [&](Section& section) { read_profile(section, profile.cards); });
         root.list("faults", kMostFaults,
                   [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
     });

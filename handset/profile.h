@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cards.h"
 #include "fault.h"
 #include "modem_files.h"
 #include "profile_section.h"
@@ -20,6 +21,7 @@ struct ModemProfile {
 struct Profile {
     ModemProfile modem;
     EfsProfile efs;
+    CardsProfile cards;
     std::vector<Fault> faults;
 };
 
