@@ -2,12 +2,14 @@
 #include "cards.h"
 #include "extension_service.h"
 #include "handset.h"
+#include "maintenance.h"
 
 namespace handset {
 
 void add_subjects(Handset& handset) {
     handset.add_service(std::make_unique<ExtensionService>(handset));
     handset.keep(std::make_shared<Cards>(handset));
+    add_maintenance(handset);
 }
 
 }  // namespace handset
