@@ -1,4 +1,5 @@
 // What the handset is made of: one line a subject.
+#include "at_channel.h"
 #include "cards.h"
 #include "extension_service.h"
 #include "handset.h"
@@ -9,6 +10,7 @@ namespace handset {
 void add_subjects(Handset& handset) {
     handset.add_service(std::make_unique<ExtensionService>(handset));
     handset.keep(std::make_shared<Cards>(handset));
+    handset.keep(std::make_shared<AtChannel>(handset));
     add_maintenance(handset);
 }
 

@@ -60,6 +60,7 @@ public:
         if (pid_ == 0) {
             dup2(out[1], STDOUT_FILENO);
             close(out[0]);
+            setenv("VXK_AT_DEVICE", place.at("smd8").c_str(), 1);
             try {
                 _exit(handset::serve({dir_, place.at("profile.json")}));
             } catch (const handset::Error& error) {

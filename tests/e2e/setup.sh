@@ -38,4 +38,6 @@ property() { cat "$VXK_HANDSET_DIR/properties/$1" 2>/dev/null || echo "(unset)";
 efs() { od -An -v -tx1 "$VXK_HANDSET_DIR/efs/$1" 2>/dev/null || echo "(no file)"; }
 
 handsets=0
+# The device of that name is the machine's, not a test's.
+export VXK_AT_DEVICE="$CRAMTMP/smd8"
 trap halt EXIT
