@@ -7,8 +7,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <regex>
+#include <sstream>
 
 #include "android/log.h"
 #include "cutils/properties.h"
@@ -79,6 +81,20 @@ std::string PlatformTest::printed_by(const std::function<void()>& action) {
     action();
     fflush(stdout);
     return testing::internal::GetCapturedStdout();
+}
+
+int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words) {
+    words.insert(words.begin(), "vxk");
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    return group(static_cast<int>(words.size()), argv.data());
+}
+
+int run_line(int (*group)(int argc, char** argv), const std::string& line) {
+    std::istringstream words(line);
+    return run_words(group, {std::istream_iterator<std::string>(words), {}});
 }
 
 std::string mask_lines(const std::string& text) {
