@@ -1,1 +1,0 @@
-#include "modem_api.h"

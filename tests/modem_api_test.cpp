@@ -1,0 +1,291 @@
+// The statistics client framework: its clients, its connection, and what it makes of lying modems.
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <tuple>
+
+#include "modem_api_events.h"
+#include "modem_api_slots.h"
+#include "platform_double.h"
+#include "qcril_memory_management.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+std::vector<std::pair<int, int>> g_status_events;
+std::vector<std::pair<int, std::vector<uint8_t>>> g_events;
+
+void status_cb(int event, int type) {
+    g_status_events.emplace_back(event, type);
+}
+
+void event_cb(int event, void* data, int len) {
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    g_events.emplace_back(event, std::vector<uint8_t>(bytes, bytes + len));
+}
+
+class ModemApi : public PlatformTest {
+protected:
+    ModemApi() {
+        g_status_events.clear();
+        g_events.clear();
+        g_kolvo_client_id = -1;
+        modem_api_init();
+        platform().android_log.clear();
+    }
+    ~ModemApi() override {
+        for (int id = 0; id < MODEM_API_MAX_CLIENTS; ++id)
+            modem_api_free_client(id);
+        modem_api_release();
+    }
+
+    static int init_vs() { return modem_api_init_client(MODEM_API_CLIENT_VS, event_cb, status_cb); }
+    static std::vector<std::string>& log() { return platform().android_log; }
+};
+
+TEST_F(ModemApi, ErrorMap) {
+    const std::map<unsigned, int> by_error = {{0, 0},  {26, 0}, {4, 10}, {17, 5}, {19, 5}, {48, 5},
+                                              {49, 5}, {24, 4}, {42, 4}, {77, 4}, {94, 4}, {52, 8}};
+    const std::map<int, int> by_transport = {{-5, 12}, {-4, 1}, {-3, 11}, {-1, 12}};
+    std::vector<unsigned> errors = {95, 255, 0x1001A, 0xFFFFFFFF};
+    for (unsigned error = 0; error <= 94; ++error)
+        errors.push_back(error);
+    for (int transport = -8; transport <= 3; ++transport)
+        for (const unsigned result : {0U, 1U, 2U, 0xFFFFFFFFU})
+            for (const unsigned error : errors) {
+                int expected = 1;
+                if (const auto row = by_transport.find(transport); row != by_transport.end()) {
+                    expected = row->second;
+                } else if (transport == -2 || transport == 0) {
+                    const auto mapped = by_error.find(error);
+                    expected = result == 0 ? 0 : result == 1 && mapped != by_error.end() ? mapped->second : 1;
+                }
+                const qmi_response_type_v01 resp{result, error};
+                ASSERT_EQ(modem_api_map_qmi_error_to_modem_api(transport, &resp), expected)
+                    << transport << " " << result << " " << error;
+            }
+}
+
+TEST_F(ModemApi, ConnectsAtTheThirdAttemptAndReleasesOnce) {
+    int attempts = 0;
+    platform().client_init_instance = [&](uint32_t timeout_ms, qmi_client_type*) {
+        EXPECT_EQ(timeout_ms, 4U);
+        return ++attempts < 3 ? -3 : 0;
+    };
+    EXPECT_EQ(init_vs(), 0);
+    EXPECT_EQ(g_kolvo_client_id, 0);
+    EXPECT_THAT(platform().sleeps, ElementsAre(1, 1));
+    EXPECT_THAT(g_status_events, ElementsAre(Pair(0x10002, 0)));
+    EXPECT_THAT(log(), testing::IsSupersetOf(
+                           {"4 KOLVO vs_client_init_client_handles: using port 65535",
+                            "4 KOLVO vs_client_init_client_handles: Trying qmi_client_init_instance() "
+                            "try # 2 port[65535]",
+                            "4 KOLVO vs_client_init_client_handles: qmi_client_init_instance returned (0)",
+                            "3 KOLVO modem_api_init_client: new client: type 0, id 0",
+                            "3 KOLVO modem_api_operational_status_cb: client type 0, client id 0, "
+                            "operational_status 3",
+                            "4 KOLVO modem_api_init_client: function exit with ret 0"}));
+
+    platform().error_cb(nullptr, -2, nullptr);
+    EXPECT_EQ(log().back(), "6 KOLVO vs_client_service_down_event: service down with error -2");
+
+    modem_api_free_client(0);
+    EXPECT_EQ(platform().releases, 1);
+    EXPECT_THAT(log(), testing::Not(Contains("6 KOLVO modem_api_free_client: client already freed")));
+    for (const int id : {0, -1, MODEM_API_MAX_CLIENTS}) {
+        log().clear();
+        modem_api_free_client(id);
+        EXPECT_THAT(log(), Contains("6 KOLVO modem_api_free_client: client already freed")) << id;
+    }
+    EXPECT_EQ(platform().releases, 1);
+}
+
+TEST_F(ModemApi, GivesUpAfterTenAttempts) {
+    int attempts = 0;
+    platform().client_init_instance = [&](uint32_t, qmi_client_type*) { return ++attempts, -3; };
+    EXPECT_EQ(init_vs(), 1);
+    EXPECT_EQ(attempts, 10);
+    EXPECT_EQ(platform().sleeps, std::vector<unsigned>(9, 1));
+    EXPECT_EQ(g_kolvo_client_id, -1);
+    EXPECT_THAT(g_status_events, IsEmpty());
+    EXPECT_THAT(log(), Contains("4 KOLVO vs_client_init_client_handles: "
+                                "qmi_client_init_instance returned failure(-3)"));
+    EXPECT_EQ(modem_api_client(0), nullptr);
+}
+
+TEST_F(ModemApi, RefusedClients) {
+    fail_malloc(1);
+    EXPECT_EQ(init_vs(), 3);
+    EXPECT_THAT(log(), Contains("6 KOLVO modem_api_init_client: could not allocate memory"));
+
+    EXPECT_EQ(init_vs(), 0);
+    EXPECT_EQ(init_vs(), 15);
+    EXPECT_THAT(
+        log(), Contains("3 KOLVO modem_api_init_client: Already another client init vs client successfully"));
+    modem_api_operational_status_cb(MODEM_API_CLIENT_VS, MODEM_API_STATUS_DOWN);
+    EXPECT_EQ(g_status_events.back(), std::make_pair(0x10001, 0));
+    EXPECT_EQ(init_vs(), 9);
+    EXPECT_THAT(log(), Contains("3 KOLVO modem_api_init_client: Another client init vs client with "
+                                "operational status 4"));
+    EXPECT_EQ(g_kolvo_client_id, 0);
+
+    for (unsigned type = 1; type < 10; ++type)
+        EXPECT_EQ(modem_api_init_client(static_cast<modem_api_qmi_client_e_type>(type), nullptr, nullptr), 0);
+    EXPECT_EQ(modem_api_init_client(static_cast<modem_api_qmi_client_e_type>(10), nullptr, nullptr), 14);
+    EXPECT_THAT(log(), Contains("6 KOLVO modem_api_init_client: no more client can be added"));
+}
+
+// Answers every decode with `message`.
+template <typename Message>
+void indicate(unsigned msg_id, const Message& message, int decode_result = 0) {
+    platform().c_struct_len = [](qmi_idl_type_of_message_type, uint16_t, uint32_t* len) {
+        *len = sizeof(Message);
+        return 0;
+    };
+    platform().decode = [&](qmi_idl_type_of_message_type, unsigned, const void*, unsigned, void* dst,
+                            unsigned dst_len) {
+        EXPECT_EQ(dst_len, sizeof message);
+        memcpy(dst, &message, sizeof message);
+        return decode_result;
+    };
+    g_events.clear();
+    uint8_t tlvs[1] = {};
+    platform().ind_cb(&platform().client_token, msg_id, tlvs, sizeof tlvs, nullptr);
+}
+
+template <typename Event>
+Event last_event(int code) {
+    Event event{};
+    EXPECT_EQ(g_events.size(), 1U);
+    EXPECT_EQ(g_events.at(0).first, code);
+    EXPECT_EQ(g_events.at(0).second.size(), sizeof event);
+    memcpy(&event, g_events.at(0).second.data(), sizeof event);
+    return event;
+}
+
+TEST_F(ModemApi, IndicationsBecomeEvents) {
+    ASSERT_EQ(init_vs(), 0);
+    indicate(VS_STATUS_IND_V01, vs_status_ind_msg_v01{7, 200, 0});
+    const auto status = last_event<modem_api_status_event>(2);
+    EXPECT_EQ(std::make_tuple(status.value, status.first, status.second), std::make_tuple(7U, 1, 0));
+
+    indicate(VS_STATE_IND_V01, vs_state_ind_msg_v01{9});
+    EXPECT_EQ(last_event<modem_api_state_event>(5).state, 9);
+
+    vs_bytes_ind_msg_v01 bytes{3, 101, {}, 4, 5};
+    memset(bytes.bytes, 0xFE, sizeof bytes.bytes);
+    indicate(VS_BYTES_IND_V01, bytes);
+    const auto widened = last_event<modem_api_bytes_event>(4);
+    EXPECT_EQ(std::make_tuple(widened.count, widened.elements[0], widened.elements[99], widened.first,
+                              widened.second),
+              std::make_tuple(100U, 0xFEU, 0xFEU, 4, 5));
+}
+
+TEST_F(ModemApi, ReportWithLyingCountsIsClamped) {
+    ASSERT_EQ(init_vs(), 0);
+    vs_report_ind_msg_v01 report{};
+    report.first_count = 12;
+    report.second_count = 0xFFFFFFFF;
+    report.last = 77;
+    for (auto& entry : report.first)
+        entry = {1, 2, 3, 2, {0xAA, 0xBB, 0xCC}};
+    report.first[9].value_len = 701;
+    report.second[4].id = 44;
+    indicate(VS_REPORT_IND_V01, report);
+    auto event = last_event<modem_api_report_event>(3);
+    EXPECT_EQ(event.first_count, 10U);
+    EXPECT_EQ(event.second_count, 5U);
+    EXPECT_EQ(event.first[0].value_len, 2U);
+    EXPECT_EQ(event.first[0].value[1], 0xBB);
+    EXPECT_EQ(event.first[0].value[2], 0);
+    EXPECT_EQ(event.first[9].value_len, 700U);
+    EXPECT_EQ(event.second[4].id, 44U);
+    EXPECT_EQ(event.last, 0xFFFFFFFF);
+
+    report.last_valid = 1;
+    indicate(VS_REPORT_IND_V01, report);
+    EXPECT_EQ(last_event<modem_api_report_event>(3).last, 77U);
+}
+
+TEST_F(ModemApi, IndicationsThatAreDropped) {
+    ASSERT_EQ(init_vs(), 0);
+    indicate(VS_STATE_IND_V01, vs_state_ind_msg_v01{1}, -1);
+    EXPECT_THAT(
+        log(),
+        Contains("6 KOLVO vs_client_unsol_ind_cb: Indication decode failed for msg 0x601 with error -1"));
+    EXPECT_THAT(g_events, IsEmpty());
+
+    indicate(0x205, vs_state_ind_msg_v01{1});
+    EXPECT_THAT(log(), Contains("6 KOLVO vs_client_ind_hdlr: Unknown indication msg 205"));
+    EXPECT_THAT(g_events, IsEmpty());
+
+    fail_malloc(1);
+    vs_client_unsol_ind_cb(nullptr, VS_STATE_IND_V01, nullptr, 0, nullptr);
+    platform().c_struct_len = nullptr;
+    vs_client_unsol_ind_cb(nullptr, VS_STATE_IND_V01, nullptr, 0, nullptr);
+    EXPECT_THAT(log(), Contains("6 KOLVO vs_client_unsol_ind_cb: decoded_payload_len(0) can not <= 0"));
+
+    modem_api_free_client(0);
+    vs_client_unsol_ind_cb(nullptr, VS_STATE_IND_V01, nullptr, 0, nullptr);
+    EXPECT_THAT(log(), Contains("6 KOLVO vs_client_unsol_ind_cb: Unexpected NULL pointer!"));
+    EXPECT_THAT(g_events, IsEmpty());
+}
+
+// A response callback's calls as "<data bytes as text>|<status>".
+std::string g_delivered;
+
+void deliver(void* data, uint32_t len, void* user_data, int status) {
+    EXPECT_EQ(user_data, &g_delivered);
+    g_delivered += std::string(static_cast<const char*>(data), len) + "|" + std::to_string(status) + " ";
+    kolvo_free_adv(data);
+}
+
+TEST_F(ModemApi, ResponsesAreDispatched) {
+    const std::vector<uint8_t> ok = {0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 'h', 'i'};
+    std::vector<uint8_t> lying = ok;
+    lying[8] = 3;
+    const std::vector<uint8_t> failed = {1, 0, 0, 0, 52, 0, 0, 0, 0, 0, 0, 0};
+    const struct {
+        const char* what;
+        unsigned msg_id;
+        std::vector<uint8_t> resp;
+        int error;
+        int failing_malloc;
+        const char* delivered;
+    } cases[] = {
+        {"data", 0, ok, 0, 0, "hi|0 |2 "},
+        {"completion alone", 5, ok, 0, 0, "|2 "},
+        {"no response", 0, {}, 0, 0, "|3 "},
+        {"shorter than a result", 0, {0, 0, 0, 0, 0, 0, 0}, 0, 0, "|3 "},
+        {"mapped transport error", 0, ok, -3, 0, "|11 "},
+        {"mapped response error", 0, failed, 0, 0, "|8 "},
+        {"length runs past the response", 0, lying, 0, 0, "|3 |2 "},
+        {"no length", 0, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 0, 0, "|3 |2 "},
+        {"out of memory", 0, ok, 0, 1, "|3 |2 "},
+    };
+    const modem_api_command_cb services[] = {vs_client_command_cb, sar_client_command_cb,
+                                             nas_0_client_command_cb, nas_1_client_command_cb};
+    for (const auto& c : cases)
+        for (const auto& command_cb : services) {
+            auto* resp = static_cast<uint8_t*>(kolvo_malloc_adv(c.resp.size(), "test"));
+            std::copy(c.resp.begin(), c.resp.end(), resp);
+            auto* cb = static_cast<modem_api_cb_struct_type*>(
+                kolvo_malloc_adv(sizeof(modem_api_cb_struct_type), ""));
+            *cb = {deliver, &g_delivered};
+            g_delivered.clear();
+            fail_malloc(c.failing_malloc);
+            command_cb(nullptr, c.msg_id, resp, static_cast<unsigned>(c.resp.size()), cb, c.error);
+            EXPECT_EQ(g_delivered, c.delivered) << c.what;
+        }
+
+    // Nobody to call: the response is freed all the same.
+    modem_api_process_response(0, kolvo_malloc_adv(8, ""), 8, nullptr, 0);
+    modem_api_process_response(0, kolvo_malloc_adv(8, ""), 8,
+                               static_cast<modem_api_cb_struct_type*>(kolvo_malloc_adv(16, "")), 0);
+}
+
+}  // namespace
