@@ -222,7 +222,7 @@ int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, void* rs
     return send_common(request, rsp, rsp_len);
 }
 
-int kelvra_common_qmi_req(uint32_t type, void* rsp) {
+int kelvra_common_qmi_req(uint32_t type, void* rsp, uint32_t* arrived) {
     KELVRA_LOG_ENTRY();
     if (rsp == nullptr) {
         KELVRA_LOGD("rsp is NULL");
@@ -233,6 +233,8 @@ int kelvra_common_qmi_req(uint32_t type, void* rsp) {
     put_le(request.form, type);
     uint32_t rsp_len = 0;
     const int result = send_common(request, rsp, &rsp_len);
+    if (arrived != nullptr && result == 0)
+        *arrived = rsp_len;
     KELVRA_LOG_EXIT();
     return result;
 }

@@ -38,8 +38,9 @@ void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void*
                               void* cb_data);
 
 /// A common request that is only a code. `rsp` holds kCommonResponseMax bytes: its header is zeroed first,
-/// what lies behind a shorter response stays as it was. Returns the channel's result, -1 for a null rsp.
-int kelvra_common_qmi_req(uint32_t type, void* rsp);
+/// what lies behind a shorter response stays as it was. *arrived, where given, becomes the number of bytes
+/// that arrived, on success. Returns the channel's result, -1 for a null rsp.
+int kelvra_common_qmi_req(uint32_t type, void* rsp, uint32_t* arrived = nullptr);
 
 /// A common request with a value: code t, l bytes at v (null only when l is 0), at most kCommonValueMax.
 /// `rsp` holds kCommonResponseMax bytes, zeroed first. Returns the channel's result, -1 for bad arguments.
