@@ -4,8 +4,13 @@
 
 #include "show_help.h"
 
-int refuse_too_few_parameters(int group) {
+int note_too_few_parameters() {
     puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    return 0;
+}
+
+int refuse_too_few_parameters(int group) {
+    note_too_few_parameters();
     return show_help(group);
 }
 

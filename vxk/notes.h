@@ -10,6 +10,9 @@ int refuse_too_few_parameters(int group);
 int refuse_first_parameter(int group);
 int refuse_second_parameter(int group);
 
+/// The note alone, for a command whose group shows the help. Returns 0.
+int note_too_few_parameters();
+
 /// A handler's non-zero result: prints the note with the code, then the group's help. Returns the code.
 int report_error(int group, int code);
 
