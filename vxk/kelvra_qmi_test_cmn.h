@@ -5,5 +5,9 @@
 int kelvra_cmn_diag_cmd_send(int argc, char** argv);
 int kelvra_cmn_esim_test(int argc, char** argv);
 
+/// The modem's SAR device state index, -1 when the modem could not be asked. Each call makes a client of its
+/// own, which stays.
+int kelvra_get_sar_dsi();
+
 /// Prints the modem's SAR device state index, -1 when the modem could not be asked.
 void kelvra_cmn_test_get_sar_dsi();
