@@ -1,0 +1,257 @@
+// The unpack engine's checks and trace, and the record parser on records packed here, bit by bit.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+
+#include "groups.h"
+#include "kelvra_modem_stats_record.h"
+#include "kelvra_test_modem_stats.h"
+#include "kelvra_unpack.h"
+#include "platform_double.h"
+
+namespace {
+
+constexpr int kInteger = INT32_MAX;
+
+using Buffer = std::array<uint8_t, kUnpkBufferMin>;
+
+void put_bits(Buffer* buffer, size_t bit, size_t width, uint64_t value) {
+    for (size_t i = 0; i < width; ++i, value >>= 1)
+        (*buffer)[(bit + i) / 8] =
+            static_cast<uint8_t>((*buffer)[(bit + i) / 8] | (value & 1) << (bit + i) % 8);
+}
+
+class Unpack : public PlatformTest {
+protected:
+    Unpack() {
+        g_unpk_print = 0;
+        g_unpk_version_not_support_num = 0;
+        for (size_t i = 0; i < buffer.size(); ++i)
+            buffer[i] = static_cast<uint8_t>(i * 37 + 1);
+        unpk_start(buffer.data());
+    }
+
+    Buffer buffer{};
+};
+
+TEST_F(Unpack, RefusedReads) {
+    const struct {
+        int base_bits;
+        uint32_t cnt;
+        bool limit_set;
+        int field_bit;  // of a field; kInteger: an integer is read
+        const char* line;
+    } cases[] = {
+        {1900 * 8, 100, true, kInteger, "(base + cnt)(2000) is can not >= 2000 for tac, id(0x0)\n"},
+        {-8, 0, true, kInteger, "(base + cnt)(-1) is can not >= 2000 for tac, id(0x0)\n"},
+        {0, 0, true, 1995 * 8, "(base + cnt)(2003) is can not >= 2000 for tac_tmp2, id(0x0)\n"},
+        {8, 0, true, 1999 * 8, "(base + cnt)(2000) is can not >= 2000 for tac_tmp1, id(0x0)\n"},
+        {0, 0, true, 2000 * 8, "UNPK_SET_BIT, pos(2000) should be[0, 2000), id(0x0)\n"},
+        {0, 0, true, -8, "UNPK_SET_BIT, pos(-1) should be[0, 2000), id(0x0)\n"},
+        {0, 0, false, 0, "UNPK_SET_BIT, pos(0) should be[0, 0), id(0x0)\n"},
+    };
+    for (const auto& c : cases) {
+        unpk_start(buffer.data());
+        base_with_bit(c.base_bits);
+        g_unpk_data_cnt = c.cnt;
+        g_unpk_limit_set = c.limit_set;
+        EXPECT_EQ(
+            printed_by([&] {
+                EXPECT_FALSE(c.field_bit == kInteger ? unpk_i("tac", 4) : unpk_at("tac", c.field_bit, 32, 4));
+            }),
+            c.line);
+    }
+    unpk_start(nullptr);
+    EXPECT_EQ(printed_by([] { EXPECT_FALSE(unpk_at("mcc", 0, 16, 2)); }),
+              "MODEM_STATS_DATA_UNPK, g_unpk_data_ptr is NULL, name: mcc_tmp1, id(0x0)\n");
+}
+
+TEST_F(Unpack, RefusedRanges) {
+    const struct {
+        int low, high;
+        uint32_t size;
+        const char* line;
+    } cases[] = {
+        {0, 5, 2, "UNPK_MID, low(0) should be in [1, 128] for x, id(0x0)\n"},
+        {129, 129, 2, "UNPK_MID, low(129) should be in [1, 128] for x, id(0x0)\n"},
+        {5, 129, 2, "UNPK_MID, high(129) should be in [1, 128] for x, id(0x0)\n"},
+        {5, 0, 2, "UNPK_MID, high(0) should be in [1, 128] for x, id(0x0)\n"},
+        {6, 5, 2, "UNPK_MID, low(6) should <= high(5) for x, id(0x0)\n"},
+        {1, 65, 8, "UNPK_MID, high(65) should be in [1, 64] for x, id(0x0)\n"},
+        {66, 70, 8, "UNPK_HIGH, bit_num(63) should be in [64, 128] for x, id(0x0)\n"},
+        {4, 20, 2, "UNPK_LOW, bit_num(17) should be in [1, 16] for x, id(0x0)\n"},
+        {1, 9, 1, "UNPK_LOW, bit_num(9) should be in [1, 8] for x, id(0x0)\n"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(printed_by([&] { EXPECT_FALSE(unpk_mid({1, 2}, c.low, c.high, "x", c.size)); }), c.line);
+}
+
+TEST_F(Unpack, OverflowIsFatal) {
+    const auto overflows = [](const std::function<void()>& steps) {
+        EXPECT_EXIT(steps(), testing::KilledBySignal(SIGABRT), "vxk: fatal: unpack cursor overflows");
+    };
+    base_with_bit(8);
+    overflows([] { base_with_bit(INT32_MAX); });
+    overflows([] { static_cast<void>(unpk_set_bit(INT32_MAX)); });
+    overflows([] { print_cnt(INT32_MAX, 1, "x"); });
+    g_unpk_data_cnt = INT32_MAX / 8;
+    overflows([] { print_cnt(0, 1, "x"); });
+    g_unpk_data_cnt = INT32_MAX;
+    overflows([] { static_cast<void>(unpk_i("x", 1)); });
+}
+
+// Every range that the engine accepts, against the span's bits one by one.
+TEST_F(Unpack, FieldsOfTheSpan) {
+    const UnpkSpan span{0x8899AABBCCDDEEFF, 0xFEDCBA9876543211};
+    const auto bit_of_span = [&span](int bit) {
+        return (bit < 64 ? span.low >> bit : span.high >> (bit - 64)) & 1;
+    };
+    for (int low = 1; low <= 65; ++low) {
+        uint64_t expected = 0;
+        for (int bits = 1; bits <= 64 && low + bits <= 129; ++bits) {
+            expected |= bit_of_span(low + bits - 2) << (bits - 1);
+            ASSERT_TRUE(unpk_mid(span, low, low + bits - 1, "x", 8));
+            ASSERT_EQ(g_unpk_value, expected) << low << " " << bits;
+        }
+    }
+}
+
+TEST_F(Unpack, TraceOfOneField) {
+    buffer = {};
+    put_bits(&buffer, 0, 32, 66051);
+    put_bits(&buffer, 32 + 11, 16, 0x01CC);
+    put_bits(&buffer, 32 + 11 + 16, 4, 5);
+    unpk_start(buffer.data());
+    g_unpk_print = 1;
+    EXPECT_EQ(
+        printed_by([] {
+            EXPECT_TRUE(unpk_i("version", 4));
+            base_with_bit(32);
+            EXPECT_TRUE(unpk_at("mcc", 11, 16, 2));
+        }),
+        "    UNPK_I, name: version, val: 66051(0x030201), val_size: 4, unpk_cnt: 4, data_base: 0, base_bit: "
+        "0\n"
+        "BASE_WITH_BIT, g_unpk_data_base_bit(32), g_unpk_data_base(4), g_unpk_data_cnt(0), bit(32), id(0x0)\n"
+        "UNPK_SET_BIT, g_unpk_data_base_bit(32), g_unpk_data_base(4), g_unpk_data_cnt(1), bit(11), id(0x0)\n"
+        "PRINT_CNT, base_bit: 32, base_byte: 4, data_cnt: 1, low: 4, high: 19, param: 11, name: mcc\n"
+        "    UNPK_I, name: mcc_tmp1, val: 2625120(0x600E28), val_size: 8, unpk_cnt: 9, data_base: 4, "
+        "base_bit: 32\n"
+        "    UNPK_I, name: mcc_tmp2, val: 0(0x00), val_size: 8, unpk_cnt: 17, data_base: 4, base_bit: 32\n"
+        "UNPK_HIGH, old_val: 328140, new_val: 460, bit_num: 125, name: mcc, id(0x0)\n"
+        "UNPK_LOW, old_val: 328140, new_val: 460, bit_num: 16, mask_max(0xffff), old_size(2), name: mcc, "
+        "id(0x0)\n"
+        "UNPK_MID, old_val: 328140, new_val: 460, low: 4, high: 19, name: mcc, id(0x0)\n"
+        "    UNPK_AT, name: mcc, val: 460(0xCC01), low: 4, high: 19, bit_start: 11, bit_num: 16\n");
+    EXPECT_EQ(
+        printed_by([] {
+            EXPECT_TRUE(unpk_mid({0x123, 0}, 1, 8, "x", 1));
+        }),
+        "UNPK_HIGH, old_val: 291, new_val: 291, bit_num: 64, name: x, id(0x0)\n"
+        "UNPK_LOW, old_val: 291, new_val: 35, bit_num: 8, mask_max(0xff), old_size(1), name: x, id(0x0)\n"
+        "UNPK_MID, old_val: 291, new_val: 35, low: 1, high: 8, name: x, id(0x0)\n");
+}
+
+struct Place {
+    size_t bit;
+    size_t width;
+    uint64_t value;
+};
+
+// A record as the modem packs it: its version, then fields at bits behind it, and noise everywhere else.
+Buffer record(uint32_t version, const std::vector<Place>& fields) {
+    Buffer noise;
+    noise.fill(0xA5);
+    const auto place = [&noise](size_t bit, size_t width, uint64_t value) {
+        for (size_t i = bit; i < bit + width; ++i)
+            noise[i / 8] = static_cast<uint8_t>(noise[i / 8] & ~(1U << i % 8));
+        put_bits(&noise, bit, width, value);
+    };
+    place(0, 32, version);
+    for (const Place& field : fields)
+        place(32 + field.bit, field.width, field.value);
+    return noise;
+}
+
+TEST_F(Unpack, RecordsOfEveryVersion) {
+    struct Record {
+        uint32_t version;
+        size_t mcc, mnc_num, mnc, tac, cgi, pci, band, dl_earfcn, dl_bw, ul_earfcn, ul_bw, access;
+    };
+    const Record records[] = {
+        {4, 176, 192, 200, 224, 112, 0, 256, 16, 80, 48, 96, 216},
+        {0x30000, 240, 256, 264, 288, 176, 0, 320, 80, 144, 112, 160, 280},
+        {0x30001, 250, 266, 274, 298, 186, 10, 330, 90, 154, 122, 170, 290},
+        {0x30002, 264, 280, 288, 312, 200, 24, 344, 104, 168, 136, 184, 304},
+    };
+    for (const Record& r : records) {
+        const Buffer packed = record(r.version, {{r.mcc, 16, 0xFFFE},
+                                                 {r.mnc_num, 8, 0xFD},
+                                                 {r.mnc, 16, 0xFFFC},
+                                                 {r.tac, 32, 0xFFFFFFFB},
+                                                 {r.cgi, 64, 0xFFFFFFFFFFFFFFFA},
+                                                 {r.pci, 16, 0xFFF9},
+                                                 {r.band, 16, 0xFFF8},
+                                                 {r.dl_earfcn, 32, 0x7FFFFFF7},
+                                                 {r.dl_bw, 16, 0xFFF6},
+                                                 {r.ul_earfcn, 32, 0xFFFFFFF5},
+                                                 {r.ul_bw, 16, 0xFFF4},
+                                                 {r.access, 8, 0xF3}});
+        EXPECT_EQ(
+            printed_by([&] { kelvra_test_modem_stats_parsing_process_do(packed.data()); }),
+            "version = " + std::to_string(r.version) +
+                ", mcc = 65534, mnc_num 253, mnc 65532, tac -5, cgi 18446744073709551610, pci 65529\n"
+                "freq_band_ind = 65528, dl_earfcn = 2147483639, dl_bw 65526, ul_earfcn -11, ul_bw 65524, "
+                "allow_access 243, scs 0\n");
+    }
+}
+
+TEST_F(Unpack, UnknownVersionsAreCounted) {
+    uint64_t count = 0;
+    for (const uint32_t version : {0U, 3U, 5U, 0x2FFFFU, 0x30003U, 0x80030001U, 0xFFFFFFFFU}) {
+        const Buffer packed = record(version, {});
+        EXPECT_EQ(printed_by([&] { kelvra_test_modem_stats_parsing_process_do(packed.data()); }),
+                  "VERSION_NOT_SUPPORT, version(" + std::to_string(static_cast<int>(version)) +
+                      "), not_support_num(" + std::to_string(++count) +
+                      "), name(modem_stats_parse_xxxx_diag_xxxx), id(0x0)\n");
+    }
+}
+
+TEST_F(Unpack, RecordsThatCannotBeRead) {
+    EXPECT_EQ(printed_by([] { kelvra_test_modem_stats_parsing_process_do(nullptr); }),
+              "MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x0)\n");
+
+    // A record whose version is the last readable word: the first field lies behind the limit.
+    Buffer packed = {};
+    put_bits(&packed, 1996 * 8, 32, 4);
+    unpk_start(packed.data());
+    base_with_bit(1996 * 8);
+    EXPECT_EQ(printed_by([] { EXPECT_FALSE(modem_stats_parse_xxxx_diag_xxxx()); }),
+              "(base + cnt)(2022) is can not >= 2000 for mcc_tmp1, id(0x0)\n");
+}
+
+TEST_F(Unpack, SelfTest) {
+    const auto run = [](const char* line) {
+        return printed_by([&] { run_line(kelvra_test_modem_stats_do, line); });
+    };
+    const std::string summary =
+        "version = 196609, mcc = 29440, mnc_num 128, mnc 704, tac 497189504, cgi 2028284490176, pci 51666\n"
+        "freq_band_ind = 64, dl_earfcn = 27450241, dl_bw 1280, ul_earfcn 24836608, ul_bw 1280, allow_access "
+        "128, "
+        "scs 0\n";
+    EXPECT_EQ(run("7 0 0"), "length = 48, print_flag = 0\n" + summary);
+    const std::string traced = run("7 0 -1");
+    EXPECT_THAT(traced, testing::StartsWith("length = 48, print_flag = -1\n    UNPK_I, name: version, "));
+    EXPECT_EQ(std::count(traced.begin(), traced.end(), '\n'), 1 + 2 + 12 * 8 + 2);
+    EXPECT_THAT(traced, testing::EndsWith(summary));
+
+    const std::string note = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
+    EXPECT_THAT(run("7 0"),
+                testing::StartsWith(note + "kelvra_test_modem_stats_parsing_process FAIL\n\n====="));
+    EXPECT_THAT(run("7 1"),
+                testing::StartsWith(note + "kelvra_test_modem_stats_get_debug_info FAIL\n\n====="));
+    EXPECT_THAT(run("7"), testing::StartsWith(note + "\n====="));
+    EXPECT_THAT(run("7 2"), testing::StartsWith("invalid type = 2\n\n====="));
+}
+
+}  // namespace
