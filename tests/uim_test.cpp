@@ -1,0 +1,238 @@
+// The UIM client and its recovery, and what every request does when the modem, or memory, fails it.
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <regex>
+
+#include "kelvra_extend_uim.h"
+#include "kelvra_uim_requests.h"
+#include "platform_double.h"
+#include "user_identity_module_v01.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+class Uim : public PlatformTest {
+protected:
+    Uim() {
+        uim_qmi_client = nullptr;
+        SSR_Detected = 0;
+        failed_cnt = 0;
+    }
+};
+
+std::string mask_pointers(const std::string& text) {
+    return std::regex_replace(text, std::regex("0x[0-9a-f]+"), "PTR");
+}
+
+std::string mask(const std::string& text) {
+    return mask_pointers(mask_lines(text));
+}
+
+constexpr uint8_t kSlot = 2;
+
+int power(uint32_t up) {
+    const KelvraUimPowerRequest request = {up, kSlot, 7};
+    return kelvra_uim_request_uicc_power_ex(&request);
+}
+
+int request_eid() {
+    uint8_t eid[kEidLen] = {};
+    kelvra_uim_request_eid(&kSlot, eid);
+    return eid[0] != 0 ? 0 : kUimRequestFailed;
+}
+
+int get_card_status() {
+    int8_t states[kCardSlots] = {9, 9};
+    return kelvra_uim_get_card_status(states) ? 0 : kUimRequestFailed;
+}
+
+int open_channel() {
+    uint8_t channel = 9;
+    const int result = kelvra_uim_open_channel(kSlot, &channel);
+    EXPECT_EQ(channel, 0);
+    return result;
+}
+
+int send_apdu() {
+    const KelvraUimApdu apdu = {kSlot, 1, 2, {0x80, 0xE2}};
+    KelvraUimApduResponse response = {};
+    return kelvra_uim_send_apdu(&apdu, &response);
+}
+
+const struct Operation {
+    const char* name;
+    int (*run)();
+    const char* without_memory;
+    bool exit_without_memory;
+} kOperations[] = {
+    {"kelvra_uim_request_uicc_power_ex", [] { return power(0); }, "uim_power_down malloc failed\n", false},
+    {"kelvra_uim_request_uicc_power_ex", [] { return power(1); }, "uim_power_up malloc failed\n", false},
+    {"kelvra_uim_request_eid", request_eid, "kelvra_uim_request_eid malloc failed\n", false},
+    {"kelvra_uim_get_card_status", get_card_status, "kelvra_uim_get_card_status malloc failed\n", true},
+    {"kelvra_uim_open_channel", open_channel, "kelvra_uim_open_channel malloc failed\n", true},
+    {"kelvra_uim_send_apdu", send_apdu, "kelvra_uim_send_apdu malloc failed\n", true},
+    {"kelvra_uim_close_channel", [] { return kelvra_uim_close_channel(kSlot, 1); },
+     "kelvra_uim_close_channel malloc failed\n", true},
+};
+
+TEST_F(Uim, ClientLinesCarryTheirNumbers) {
+    uint8_t bytes[] = {1};
+    platform().register_error_cb = [](qmi_client_type) { return -1; };
+    const std::string text = printed_by([&] {
+        uim_qmi_client_recovery();
+        platform().client_init_instance = [](uint32_t timeout_ms, qmi_client_type*) {
+            EXPECT_EQ(timeout_ms, 4000U);
+            return -3;
+        };
+        EXPECT_FALSE(init_uim_qmi_client());
+        platform().client_init_instance = nullptr;
+        kelvra_uim_qmi_client_unsol_ind_cb(nullptr, 97, bytes, 1, nullptr);
+        SSR_Detected = 1;
+        failed_cnt = 2;
+        EXPECT_TRUE(init_uim_qmi_client());
+        EXPECT_EQ(SSR_Detected + failed_cnt, 0);
+        platform().error_cb(uim_qmi_client, -3, nullptr);
+        EXPECT_EQ(SSR_Detected, 0);
+        platform().error_cb(uim_qmi_client, -2, nullptr);
+        EXPECT_EQ(SSR_Detected, 1);
+        platform().ind_cb(uim_qmi_client, 96, bytes, 1, nullptr);
+        platform().ind_cb(uim_qmi_client, 97, nullptr, 0, nullptr);
+        platform().ind_cb(uim_qmi_client, 97, bytes, 1, nullptr);
+        platform().decode = [](auto, unsigned, const void*, unsigned, void* dst, unsigned dst_len) {
+            EXPECT_EQ(dst_len, 16U);
+            memset(dst, 0xFF, 5);
+            return -1;
+        };
+        platform().ind_cb(uim_qmi_client, 97, bytes, 1, nullptr);
+        kelvra_qcril_qmi_client_common_empty_unsol_ind_cb(nullptr, 5, nullptr, 0, nullptr);
+        platform().release = [](qmi_client_type) { return -1; };
+        uim_qmi_client_recovery();
+    });
+    EXPECT_EQ(uim_qmi_client, nullptr);
+    EXPECT_EQ(
+        mask_pointers(text),
+        "RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release (nil)\n"
+        "RIL[uim_qmi_client_recovery:293]: function exit <-------------\n"
+        "RIL[init_uim_qmi_client:373]: qmi_client_init UIM instance failed, qmi_client_error = -3\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:329]: qmi_client_uim or ind_buf is NULL\n"
+        "RIL[init_uim_qmi_client:380]: init_uim_qmi_client PTR\n"
+        "RIL[init_uim_qmi_client:384]: qmi_client_register_error_cb failed\n"
+        "RIL[error_cb:303]: QMI error callback -3\n"
+        "RIL[error_cb:303]: QMI error callback -2\n"
+        "RIL[error_cb:306]: SSR Detected, set SSR_Detected 1\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 96\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:329]: qmi_client_uim or ind_buf is NULL\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:340]: qmi_client_message_decode result = 0\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:340]: qmi_client_message_decode result = -1\n"
+        "RIL[kelvra_uim_qmi_client_unsol_ind_cb:350]: purge guti failed. resp.result = -1 ,resp.result = "
+        "255\n"
+        "RIL[kelvra_qcril_qmi_client_common_empty_unsol_ind_cb:215]: msg_id 5\n"
+        "RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release PTR\n"
+        "RIL[uim_qmi_client_recovery:289]: qmi_client_release failed\n"
+        "RIL[uim_qmi_client_recovery:293]: function exit <-------------\n");
+}
+
+TEST_F(Uim, PowerLinesFromRestartToRecovery) {
+    init_uim_qmi_client();
+    SSR_Detected = 1;
+    platform().send = [](const QmiRequest&, void*) { return -2; };
+    const std::string text = printed_by([] { EXPECT_EQ(power(1), -2); });
+    const std::string recovery =
+        "RIL[uim_qmi_client_recovery:#]: uim_qmi_client_recovery qmi_client_release PTR\n"
+        "RIL[uim_qmi_client_recovery:#]: function exit <-------------\n";
+    const std::string line = "RIL[kelvra_uim_request_uicc_power_ex:#]: ";
+    EXPECT_EQ(mask(text), line + "function entry ------------->\n" + line + "SSR_Detected, try recovery\n" +
+                              recovery + "RIL[init_uim_qmi_client:#]: init_uim_qmi_client PTR\n" + line +
+                              "kelvra_uim_request_uicc_power_ex try init_uim_qmi_client PTR\n" + line +
+                              "kelvra_uim_request_uicc_power_ex uim_qmi_client PTR\n" + line +
+                              "kelvra_uim_request_uicc_power_ex power up sim, ignore hotswap = 1 \n" + line +
+                              "send msg sync client error = -2, failed_cnt = 1\n" + line +
+                              "uicc_power_ex res = -2, failed_cnt = 1\n" + line +
+                              "QMI error, try recovery\n" + recovery + line +
+                              "function exit <-------------\n");
+    EXPECT_EQ(platform().releases, 2);
+}
+
+TEST_F(Uim, EveryRequestFailsAlike) {
+    for (const Operation& op : kOperations) {
+        SCOPED_TRACE(op.name);
+        const std::string line = std::string("RIL[") + op.name + ":#]: ";
+        uim_qmi_client = nullptr;
+        failed_cnt = 0;
+        for (int n = 1; n <= 2; ++n) {
+            platform().requests.clear();
+            const std::string text = mask(printed_by([&] {
+                init_uim_qmi_client();
+                fail_malloc(n);
+                EXPECT_EQ(op.run(), -1);
+            }));
+            EXPECT_TRUE(platform().requests.empty());
+            EXPECT_TRUE(std::regex_search(
+                text, std::regex("\\[qcril_memory_management: \\d+\\] \\[uim_test\\(\\d+,\\d+\\)\\] "
+                                 "qcril_malloc_adv: Fail to allocate memory\n")))
+                << text;
+            EXPECT_THAT(text, HasSubstr(line + op.without_memory));
+            EXPECT_THAT(text, op.exit_without_memory ? EndsWith("function exit <-------------\n")
+                                                     : EndsWith(op.without_memory));
+        }
+
+        // Three time-outs in a row end the client; without a service the next call says so and recovers
+        // again.
+        platform().send = [](const QmiRequest&, void*) { return -3; };
+        for (int failures = 1; failures <= 3; ++failures) {
+            EXPECT_NE(uim_qmi_client, nullptr);
+            const std::string text = mask(printed_by([&] { op.run(); }));
+            EXPECT_THAT(text, HasSubstr(line + "send msg sync client error = -3"));
+            EXPECT_EQ(failed_cnt, failures);
+        }
+        EXPECT_EQ(uim_qmi_client, nullptr);
+        platform().client_init_instance = [](uint32_t, qmi_client_type*) { return -3; };
+        std::string text = mask(printed_by([&] { EXPECT_EQ(op.run(), -1); }));
+        EXPECT_THAT(text, HasSubstr(line + "init_uim_qmi_client failed\n"));
+        EXPECT_THAT(text, HasSubstr(line + "QMI error, try recovery\n"));
+        EXPECT_THAT(text, EndsWith(line + "function exit <-------------\n"));
+        EXPECT_EQ(failed_cnt, 3);
+
+        platform().client_init_instance = nullptr;
+        platform().send = [](const QmiRequest& request, void* response) {
+            EXPECT_EQ(request.timeout_ms, 3000U);
+            static_cast<qmi_response_type_v01*>(response)->result = 1;
+            return 0;
+        };
+        text = mask(printed_by([&] { op.run(); }));
+        EXPECT_THAT(text, Not(HasSubstr("try recovery")));
+        EXPECT_EQ(failed_cnt, 0);
+        platform().send = nullptr;
+    }
+}
+
+TEST_F(Uim, EidIsTakenOnlyWhole) {
+    const struct {
+        uint32_t result;
+        uint8_t valid;
+        uint32_t length;
+        bool taken;
+    } cases[] = {{0, 1, 16, true},  {0, 255, 16, true}, {1, 1, 16, false}, {0, 0, 16, false},
+                 {0, 1, 15, false}, {0, 1, 17, false},  {0, 1, 0, false}};
+    for (const auto& c : cases) {
+        platform().send = [&](const QmiRequest&, void* answer) {
+            auto& response = *static_cast<uim_get_eid_resp_msg_v01*>(answer);
+            response.resp.result = c.result;
+            response.eid_valid = c.valid;
+            response.eid_len = c.length;
+            memset(response.eid, 0x89, sizeof response.eid);
+            return 0;
+        };
+        printed_by([&] { EXPECT_EQ(request_eid() == 0, c.taken) << c.result << ' ' << c.length; });
+    }
+}
+
+}  // namespace
