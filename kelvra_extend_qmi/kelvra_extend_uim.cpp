@@ -54,7 +54,7 @@ bool init_uim_qmi_client() {
 }
 
 void uim_qmi_client_recovery() {
-    const qmi_client_type client = uim_qmi_client;
+    qmi_client_type client = uim_qmi_client;
     KELVRA_LOGD_AT(283, "uim_qmi_client_recovery qmi_client_release %p", client);
     if (client != nullptr) {
         if (qmi_client_release(client) != QMI_NO_ERR)
