@@ -1,7 +1,7 @@
 // What the tool asks of the UIM service: the power of a card slot, the EID of the embedded eUICC, the cards'
 // states, and one APDU over a logical channel. Every request recovers the client when the modem has
 // restarted, makes one when there is none, waits at most 3 s for the answer, and drops the client when the
-// service is gone or a third request in a row has failed. Main thread only; slots count from 1.
+// service is gone or a third send of its client has failed. Main thread only; slots count from 1.
 #pragma once
 
 #include <cstdint>
