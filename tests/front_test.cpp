@@ -1,6 +1,13 @@
-// Words as numbers, and bytes as text.
+// What the front end does before any command runs: words as numbers, bytes as text, the help, and the command
+// lines that a group refuses.
+#include <fstream>
+#include <sstream>
+
+#include "groups.h"
+#include "kelvra_log.h"
 #include "kelvra_parse.h"
 #include "platform_double.h"
+#include "show_help.h"
 
 namespace {
 
@@ -40,6 +47,102 @@ TEST(Parse, BytesAsHexWithoutTerminator) {
     kelvra_byte_to_hex(bytes, 0, text);
     kelvra_byte_to_hex(nullptr, 2, text);
     EXPECT_STREQ(text, "ab01-");
+}
+
+class Front : public PlatformTest {
+protected:
+    ~Front() override { g_quiet_mode = false; }
+
+    static std::string help(int group) {
+        return printed_by([group] { show_help(group); });
+    }
+};
+
+TEST_F(Front, NullWordIsAnnouncedUnlessQuiet) {
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(kelvra_string_to_int(nullptr), 0); }), "\ninput is null\n");
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(kelvra_hex_string_to_int(nullptr), 0); }), "\ninput is null\n");
+    g_quiet_mode = true;
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(kelvra_string_to_int(nullptr), 0); }), "");
+}
+
+TEST_F(Front, HelpByteForByte) {
+    std::stringstream golden;
+    golden << std::ifstream(VXK_GOLDEN_DIR "/help.txt").rdbuf();
+    EXPECT_EQ(help(0), golden.str());
+
+    // The sections between the banners add up to the whole; a number that is no group has the banners alone.
+    const std::string banners = help(13);
+    EXPECT_EQ(help(-1), banners);
+    const size_t head = banners.find('\n', 1) + 1;
+    std::string all = banners.substr(0, head);
+    for (int group = 1; group <= 11; ++group) {
+        const std::string text = help(group);
+        EXPECT_EQ(text.compare(head, 2, std::to_string(group) + ":", 0, 2), 0) << text;
+        all += text.substr(head, text.size() - banners.size());
+    }
+    EXPECT_EQ(all + banners.substr(head), golden.str());
+}
+
+TEST_F(Front, RefusedCommandLines) {
+    const std::string too_few = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
+    const std::string second = "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n";
+    const std::string two = "\nnote: The number of inputs should be 2, Pls refer to the following cmd:\n";
+    const std::string qmi_id = "\nnote: the second parameters(qmi_id) should be >= 0 && < 6\n";
+    const std::string too_long =
+        "\nnote: the second parameters length should <= 100, Pls refer to the following cmd:\n";
+    const auto first = [](int group) {
+        return "\nnote: the first parameters should be " + std::to_string(group) +
+               ", Pls refer to the following cmd:\n";
+    };
+    const struct {
+        int group;
+        int (*run)(int, char**);
+        std::string line;
+        std::string note;
+    } cases[] = {
+        {3, kelvra_test_rf_do, "3", too_few},
+        {3, kelvra_test_rf_do, "4 0", first(3)},
+        {3, kelvra_test_rf_do, "3 6", second},
+        {3, kelvra_test_rf_do, "3 -1", second},
+        {4, kelvra_test_nvefs_do, "4", too_few},
+        {4, kelvra_test_nvefs_do, "3", first(4)},
+        {4, kelvra_test_nvefs_do, "4 0", second},
+        {4, kelvra_test_nvefs_do, "4 7", second},
+        {5, kelvra_test_cmn_do, "5", too_few},
+        {5, kelvra_test_cmn_do, "6 1", first(5)},
+        {5, kelvra_test_cmn_do, "5 7", second},
+        {5, kelvra_test_cmn_do, "5 11", second},
+        {5, kelvra_test_cmn_do, "5 -1", second},
+        {6, kelvra_test_qmi_send_data_do, "6 1", too_few},
+        {6, kelvra_test_qmi_send_data_do, "5 1 1", first(6)},
+        {6, kelvra_test_qmi_send_data_do, "6 6 1", qmi_id},
+        {6, kelvra_test_qmi_send_data_do, "6 -1 1", qmi_id},
+        {8, kelvra_test_at_cmd_do, "8", two},
+        {8, kelvra_test_at_cmd_do, "8 a b", two},
+        {8, kelvra_test_at_cmd_do, "7 a", first(8)},
+        {8, kelvra_test_at_cmd_do, "8 " + std::string(101, 'A'), too_long},
+        {10, kelvra_test_mbn_do, "10 3", too_few},
+        {10, kelvra_test_mbn_do, "9 0 1", first(10)},
+        {10, kelvra_test_mbn_do, "10 0 4", "\nnote: sub_mask(4) is invalid:\n"},
+        {10, kelvra_test_mbn_do, "10 0 0", "\nnote: sub_mask(0) is invalid:\n"},
+        {11, kelvra_smart_test_do, "11", too_few},
+        {11, kelvra_smart_test_do, "10 0", first(11)},
+        {11, kelvra_smart_test_do, "11 3", too_few},
+        {11, kelvra_smart_test_do, "11 6", too_few},
+        {11, kelvra_smart_test_do, "11 4 2", "\nnote: opt(2) is invalid:\n"},
+        {11, kelvra_smart_test_do, "11 3 -1", "\nnote: opt(-1) is invalid:\n"},
+        {11, kelvra_smart_test_do, "11 7", "invalid par_i = 7\n"},
+        {11, kelvra_smart_test_do, "11 -1 0", "invalid par_i = -1\n"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(printed_by([&c] { run_line(c.run, c.line); }), c.note + help(c.group)) << c.line;
+    EXPECT_TRUE(platform().requests.empty());
+}
+
+TEST_F(Front, QuietGroupRefusesWithTheHelpAlone) {
+    g_quiet_mode = true;
+    for (const char* line : {"5", "4 1", "5 7", "5 2"})
+        EXPECT_EQ(printed_by([line] { run_line(kelvra_test_cmn_do, line); }), help(5)) << line;
 }
 
 }  // namespace

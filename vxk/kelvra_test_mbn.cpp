@@ -1,7 +1,50 @@
+// Group 10: modem configurations (MBN) by the persistent device configuration service (PDC). There is no
+// client of that service here: its initialisation always fails, and says so.
 #include <cstdio>
+#include <cstdlib>
 
 #include "groups.h"
+#include "kelvra_log.h"
+#include "notes.h"
+#include "qtimutex.h"
+#include "show_help.h"
 
-int kelvra_test_mbn_do(int, char**) {
-    return puts("vxk: this group is not built yet");
+KELVRA_LOG_UNIT("kelvra_test_mbn");
+
+namespace {
+
+constexpr int kGroup = 10;
+
+// What is known of the modem's configurations, shared by those who read it and the client that would fill it.
+struct PdcMbnInfo {
+    qtimutex::QtiSharedMutex mutex;
+};
+PdcMbnInfo klevra_pdc_mbn_info;
+
+// -1: not initialised.
+constexpr int g_pdc_init_status = -1;
+
+void kelvra_test_mbn_pdc_init(unsigned char force_init) {
+    KELVRA_LOG_ENTRY();
+    KELVRA_LOGD("start kelvra pdc init, g_pdc_init_status = %d, force_init = %d", g_pdc_init_status,
+                force_init);
+    KELVRA_LOGE("pdc init failed");
+    KELVRA_LOG_EXIT();
+}
+
+}  // namespace
+
+int kelvra_test_mbn_do(int argc, char** argv) {
+    if (argc <= 3)
+        return refuse_too_few_parameters(kGroup);
+    if (atoi(argv[1]) != kGroup)
+        return refuse_first_parameter(kGroup);
+    const int sub_mask = atoi(argv[3]);
+    if (sub_mask < 1 || sub_mask > 3) {
+        printf("\nnote: sub_mask(%d) is invalid:\n", sub_mask);
+        return show_help(kGroup);
+    }
+    kelvra_test_mbn_pdc_init(0);
+    KELVRA_LOGE("pdc init failed, do nothing");
+    return show_help(kGroup);
 }
