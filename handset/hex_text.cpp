@@ -32,11 +32,16 @@ void append_hex(std::string& out, wire::View bytes) {
         shown = bytes.size;
         zeros = 0;
     }
-    for (size_t i = 0; i < shown; ++i) {
-        if (i > 0)
-            out += ' ';
-        append_byte(out, bytes.data[i]);
+    // Every message goes through here on its way into the wire log: one growth, no bounds in the loop.
+    const size_t start = out.size();
+    out.resize(start + shown * 3, ' ');
+    char* next = out.data() + start;
+    for (size_t i = 0; i < shown; ++i, next += 3) {
+        next[0] = kDigits[bytes.data[i] >> 4];
+        next[1] = kDigits[bytes.data[i] & 15];
     }
+    if (shown > 0)
+        out.pop_back();
     if (zeros > 0)
         out += (shown > 0 ? " (+" : "(+") + std::to_string(zeros) + " zero)";
 }

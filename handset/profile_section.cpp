@@ -53,20 +53,12 @@ struct Section::Node {
 
     /// A number, or nothing when it is not a whole number between the two.
     static std::optional<int64_t> as_signed(const Json& value, int64_t lowest, int64_t highest) {
-        int64_t number = 0;
-        if (value.is_string()) {
-            const auto bits = hexadecimal(value);
-            if (!bits || *bits > INT64_MAX)
-                return std::nullopt;
-            number = static_cast<int64_t>(*bits);
-        } else if (value.is_number_unsigned() && value.get<uint64_t>() > INT64_MAX) {
-            return std::nullopt;
-        } else if (value.is_number_integer()) {
+        std::optional<int64_t> number;
+        if (const auto natural = as_unsigned(value, 0, INT64_MAX))
+            number = static_cast<int64_t>(*natural);
+        else if (value.is_number_integer() && !value.is_number_unsigned())
             number = value.get<int64_t>();
-        } else {
-            return std::nullopt;
-        }
-        if (number < lowest || number > highest)
+        if (!number || *number < lowest || *number > highest)
             return std::nullopt;
         return number;
     }

@@ -24,7 +24,7 @@ namespace {
 // While it lives, the given signals arrive as events of the loop.
 class Signals {
 public:
-    Signals(EventLoop& loop, std::initializer_list<int> numbers, std::function<void(int)> arrived)
+    Signals(EventLoop& loop, std::initializer_list<int> numbers, const std::function<void(int)>& arrived)
         : loop_(loop) {
         sigset_t set;
         sigemptyset(&set);
@@ -92,6 +92,7 @@ Profile profile_of(const BootOptions& options) {
 // Returns 0 or the errno that kept the command from starting.
 int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command)
         arguments.push_back(argument.data());
     arguments.push_back(nullptr);

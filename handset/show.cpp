@@ -1,6 +1,6 @@
 #include "show.h"
 
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -23,12 +23,18 @@ namespace fs = std::filesystem;
 
 using Rows = std::vector<std::pair<std::string, std::string>>;
 
+void print_heading(const std::string& heading) {
+    static const bool bold = isatty(STDOUT_FILENO) != 0 && getenv("NO_COLOR") == nullptr;
+    printf(bold ? "\033[1m%s\033[0m\n" : "%s\n", heading.c_str());
+}
+
 // A heading and under it two columns.
 void print_table(const std::string& heading, const Rows& rows) {
     size_t width = 0;
     for (const auto& row : rows)
         width = std::max(width, row.first.size());
-    printf("\n%s\n", heading.c_str());
+    printf("\n");
+    print_heading(heading);
     if (rows.empty())
         printf("  none\n");
     for (const auto& row : rows)
@@ -91,12 +97,12 @@ int show(const std::string& folder) {
         throw Error("there is no handset in " + folder + "; start one with: vxk-handset serve --dir " +
                     folder);
     const auto owner = running_handset(folder);
-    printf("handset %s\n", folder.c_str());
+    print_heading("handset " + folder);
     if (owner)
         printf("  running, process %d\n", static_cast<int>(*owner));
     else
         printf("  not running\n");
-    print_table("services", services(folder));
+    print_table("services", owner ? services(folder) : Rows());
     for (const auto& subject : read_states(folder))
         print_table(subject.first, subject.second);
     print_table("properties", properties(folder));

@@ -33,7 +33,7 @@
 namespace handset {
 
 WireLine::WireLine(std::string_view where, uint64_t connection, Direction direction) {
-    line_.reserve(512);
+    line_.reserve(2048);
     line_ += where;
     line_ += ' ';
     line_ += connection == 0 ? "-" : std::to_string(connection);
