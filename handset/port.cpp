@@ -74,22 +74,24 @@ void Port::publish() {
     if (listener_ < 0)
         throw system_error("cannot open the socket " + folder.at(socket_name_), errno);
     listener_watch_ = handset_.loop().watch(listener_, EPOLLIN, [this](uint32_t) { accept_connection(); });
+    log(WireLine(where_, 0, Direction::kEvent).word("published"));
+    handset_.wire_log().flush();
     // Moved to its place only now that it listens: whoever sees the socket can connect.
     if (rename(staged.c_str(), folder.at(socket_name_).c_str()) != 0)
         throw system_error("cannot open the socket " + folder.at(socket_name_), errno);
-    log(WireLine(where_, 0, Direction::kEvent).word("published"));
 }
 
 void Port::withdraw() {
     handset_.loop().cancel(std::exchange(comeback_, 0));
     if (!published())
         return;
+    log(WireLine(where_, 0, Direction::kEvent).word("withdrawn"));
+    handset_.wire_log().flush();
     unlink(handset_.folder().at(socket_name_).c_str());
     handset_.loop().forget(listener_watch_);
     close(std::exchange(listener_, -1));
     while (!connections_.empty())
         close_connection(connections_.begin()->first);
-    log(WireLine(where_, 0, Direction::kEvent).word("withdrawn"));
 }
 
 void Port::withdraw_for(std::chrono::milliseconds time) {
@@ -119,10 +121,11 @@ void Port::close_connection(ConnectionId id) {
     const auto found = connections_.find(id);
     if (found == connections_.end())
         return;
+    log(WireLine(where_, id, Direction::kEvent).word("closed"));
+    handset_.wire_log().flush();
     handset_.loop().forget(found->second.watch);
     close_socket(found->second.fd);
     connections_.erase(found);
-    log(WireLine(where_, id, Direction::kEvent).word("closed"));
     connection_closed(id);
 }
 

@@ -109,7 +109,7 @@ int show(const std::string& folder) {
     for (const char* sub : {"0", "1"}) {
         const auto path = [](const std::string& name) { return "/" + name; };
         const auto item = [](const std::string& name) {
-            return std::string(5 - std::min<size_t>(4, name.size()), ' ') + name;
+            return std::string(4 - std::min<size_t>(4, name.size()), ' ') + name;
         };
         const Rows efs = files(folder + "/efs/" + sub, path);
         const Rows nv = files(folder + "/nv/" + sub, item);

@@ -44,7 +44,8 @@ public:
     /// Stamps the line with the present time. It is in the file after the next flush().
     void add(const WireLine& line);
 
-    /// Called before an answer leaves, so that whoever has the answer finds the whole exchange in the log.
+    /// Called before anything can be seen from outside, an answer as well as a closed connection: whoever
+    /// sees it finds it in the log.
     void flush();
 
 private:

@@ -30,7 +30,7 @@ What keeps a handset from booting is one line.
   vxk-handset: cannot create the folder /*/no/where: No such file or directory (glob)
   [125]
   $ vxk-handset serve --dir /tmp/$(printf %090d 0)
-  vxk-handset: the folder's name is too long for a socket (95 characters, at most 89): /tmp/0+ (re)
+  vxk-handset: the folder's name is too long for a socket (95 characters, at most 89): /tmp/0* (glob)
   [1]
   $ echo '{"modem": {"restart_ms": "soon"}}' > p.json
   $ vxk-handset run --profile p.json -- true
@@ -63,7 +63,7 @@ Show and log work from the folder, whether the handset lives or not.
     none
   
   nv, subscription 1
-    10  1 byte
+      10  1 byte
   $ vxk-handset show | sed -n 1,4p | masked
   handset /*/h1 (glob)
     running, process #
