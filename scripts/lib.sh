@@ -28,10 +28,10 @@ need() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -y install --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Configures and builds one preset; further arguments go to the build.
+# Configures and builds one preset, or only the named targets of it.
 build() {
     local preset=$1
     shift
     cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset" --parallel "$jobs" "$@" | grep -v '^\[' || [ "${PIPESTATUS[0]}" -eq 0 ]
+    cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"} | grep -v '^\[' || [ "${PIPESTATUS[0]}" -eq 0 ]
 }
