@@ -33,5 +33,5 @@ build() {
     local preset=$1
     shift
     cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"} | grep -v '^\[' || [ "${PIPESTATUS[0]}" -eq 0 ]
+    cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"} | grep -vE '^(\[|ninja: no work)' || [ "${PIPESTATUS[0]}" -eq 0 ]
 }
