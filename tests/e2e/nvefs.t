@@ -1,0 +1,320 @@
+Files and NV items of the modem.
+
+  $ . "$TESTDIR/setup.sh"
+  $ boot
+
+A file is written, read back and deleted.
+
+  $ vxk 4 5 0 /nv/item_files/demo 1 2 255
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 19, buf_len: 3
+  RIL[kelvra_efs_write:#]: path_value: /nv/item_files/demo
+  RIL[kelvra_efs_write:#]: send_num(3)
+  RIL[kelvra_efs_write:#]: left_num(3)
+  RIL[kelvra_efs_write:#]: data_len_all = 3, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 3
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
+  $ vxk 4 4 0 /nv/item_files/demo
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 19
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/demo
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:23
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = 0
+  RIL[kelvra_efs_read:#]: data_len_all = 3, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 3
+  
+  data len(3)
+  data:  01 02 FF
+  $ vxk-handset show --dir "$VXK_HANDSET_DIR" | grep -A1 '^efs, subscription 0'
+  efs, subscription 0
+    /nv/item_files/demo  3 bytes
+  $ vxk 4 6 0 /nv/item_files/demo
+  RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 19
+  RIL[kelvra_efs_delete:#]: path_value: /nv/item_files/demo
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_delete:#]: result = 0, rsp.result = 0
+  $ vxk 4 4 0 /nv/item_files/demo
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 19
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/demo
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
+  RIL[kelvra_efs_read:#]: qmi response fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  note: Error happen! error_code(-2)
+  
+  =========== blew: vexkit(vxk) cmd help =======================================================
+  4: nvefs option cmd: 
+     vxk 4 1 sub nv_id             /* nv read */
+     vxk 4 2 sub nv_id nv_data     /* nv write */
+     vxk 4 3 sub nv_id             /* nv delete */
+     vxk 4 4 sub efs_path          /* efs read */
+     vxk 4 5 sub efs_path efs_data /* efs write */
+     vxk 4 6 sub efs_path          /* efs delete */
+  =========== above: vexkit(vxk) cmd help =======================================================
+  
+
+Any subscription but 0 is 1. A byte is decimal, and its low 8 bits count.
+
+  $ answer 4 5 2 /a 256 -1 0x10 abc 300 ' 7'
+  $ answer 4 5 -1 /b 1
+  $ answer 4 5 zero /c 1
+  $ efs 1/a; efs 1/b; efs 0/c
+   00 ff 00 00 2c 07
+   01
+   01
+
+A command writes and reads 365 bytes at most.
+
+  $ answer 4 5 0 /long $(seq 4000)
+  $ efs 0/long | wc -w
+  365
+  $ answer 4 4 0 /long | sed -n 2p
+  data len(365)
+  $ answer 4 4 0 /long | sed -n '3s/^data: //p' | tr A-F a-f | diff - <(efs 0/long | tr -d '\n'; echo)
+  $ head -c 1000 /dev/zero > "$VXK_HANDSET_DIR/efs/0/longer"
+  $ vxk 4 4 0 /longer | grep -a abort
+  RIL[kelvra_efs_read:#]: errro, abort, buf_len <= req.data_len_cur
+  $ answer 4 4 0 /longer | head -2
+  
+  data len(365)
+  $ : > "$VXK_HANDSET_DIR/efs/0/empty"
+  $ answer 4 4 0 /empty
+  
+  data len(0)
+  data: 
+
+A path has 1 to 71 characters, of any kind.
+
+  $ path71=/$(printf '%070d' 1)
+  $ answer 4 5 0 $path71 5; efs 0$path71
+   05
+  $ vxk 4 4 0 ${path71}2 | head -6
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 72
+  RIL[kelvra_efs_read:#]: len invalid
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  note: Error happen! error_code(-106)
+  
+  $ vxk 4 4 0 "" | head -2
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 0
+  RIL[kelvra_efs_read:#]: len invalid
+  $ vxk 4 4 0 $(printf '/%099999d' 1) | head -2
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 100000
+  RIL[kelvra_efs_read:#]: len invalid
+  $ vxk 4 5 0 /%s%n%d 9 | head -2; efs 0/%s%n%d
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 7, buf_len: 1
+  RIL[kelvra_efs_write:#]: path_value: /%s%n%d
+   09
+  $ answer 4 4 0 /../../../etc/passwd | head -3
+  
+  note: Error happen! error_code(-13)
+  
+
+NV items.
+
+  $ vxk 4 2 1 10 1 2 3
+  RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 1, nv_id: 10
+  RIL[kelvra_nv_write_ex:#]: buf_len: 3
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_nv_write_ex:#]: result = 0, rsp.result = 0
+  $ vxk 4 1 1 10
+  RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 1, nv_id: 10
+  RIL[kelvra_nv_read:#]: buf_len: 365
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:23
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_nv_read:#]: result = 0, rsp.result = 0
+  RIL[kelvra_nv_read:#]: rsp.data_len_all = 3
+  
+  data len(3)
+  data:  01 02 03
+  $ vxk 4 3 1 10
+  RIL[kelvra_nv_delete:#]: kelvra_nv_delete, sub_id 1, nv_id: 10
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_nv_delete:#]: result = 0, rsp.result = 0
+  $ answer 4 1 1 10 | head -3
+  
+  note: Error happen! error_code(-2)
+  
+  $ answer 4 2 5 7232 9; answer 4 1 -3 7232
+  
+  data len(1)
+  data:  09
+  $ vxk 4 1 0 7232 | tail -n +3 | head -10
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_nv_read:#]: result = 0, rsp.result = -2
+  RIL[kelvra_nv_read:#]: qmi response fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  $ vxk 4 1 0 7233 | head -6
+  RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 0, nv_id: 7233
+  RIL[kelvra_nv_read:#]: buf_len: 365
+  RIL[kelvra_nv_read:#]: nv_id is out range(7232)
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  note: Error happen! error_code(-109)
+  $ vxk 4 2 0 65537 1 | head -4
+  RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 0, nv_id: 65537
+  RIL[kelvra_nv_write_ex:#]: buf_len: 1
+  RIL[kelvra_nv_write_ex:#]: nv_id is out range(7232)
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  $ vxk 4 3 0 -1 | head -3
+  RIL[kelvra_nv_delete:#]: kelvra_nv_delete, sub_id 0, nv_id: -1
+  RIL[kelvra_nv_delete:#]: nv_id is out range(7232)
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  $ answer 4 2 0 100 $(seq 400); answer 4 1 0 100 | cut -c 1-30
+  
+  data len(365)
+  data:  01 02 03 04 05 06 07 08
+
+Too many and too few arguments.
+
+  $ answer 4 4 1 /nv/item_files/x extra
+  
+  note: need 5 inputs, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  =========== blew: vexkit(vxk) cmd help =======================================================
+  4: nvefs option cmd: 
+     vxk 4 1 sub nv_id             /* nv read */
+     vxk 4 2 sub nv_id nv_data     /* nv write */
+     vxk 4 3 sub nv_id             /* nv delete */
+     vxk 4 4 sub efs_path          /* efs read */
+     vxk 4 5 sub efs_path efs_data /* efs write */
+     vxk 4 6 sub efs_path          /* efs delete */
+  =========== above: vexkit(vxk) cmd help =======================================================
+  
+  $ for command in "1 0" "1 0 1 2" "3 0" "3 0 1 2" "4 0" "6 0" "6 0 /x 1"; do answer 4 $command | sed -n 2p; done
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  note: need 5 inputs, Pls refer to the following cmd:
+  $ for command in "2 0" "2 0 1" "5" "5 0 /x"; do answer 4 $command | sed -n 2p; done
+  note: Too few inputs, Pls refer to the following cmd:
+  note: Too few inputs, Pls refer to the following cmd:
+  note: Too few inputs, Pls refer to the following cmd:
+  note: Too few inputs, Pls refer to the following cmd:
+
+What the modem and the channel can do to an exchange.
+
+  $ faults='{"service": "extension", "request": 2, "action"'
+  $ boot "{\"faults\": [$faults: \"modem_result\", \"result\": -13},
+  >   $faults: \"modem_result\", \"result\": 5, \"hits\": 2},
+  >   $faults: \"result\", \"result\": 9},
+  >   $faults: \"payload\", \"bytes\": \"\"},
+  >   $faults: \"tlvs\", \"bytes\": \"01 0400 00000000 02 0400 58020000 10 0300 010203\"},
+  >   $faults: \"close\"}]}"
+  $ answer 4 5 0 /x 1 | head -3
+  
+  note: Error happen! error_code(-13)
+  
+  $ answer 4 5 0 /x 1
+  $ answer 4 6 0 /x | head -3
+  
+  note: Error happen! error_code(5)
+  
+  $ for fault in result empty lie close; do vxk 4 1 0 1 | sed -n '6,12p'; done
+  9 QMI service framework error. Check client
+  kelvra_extend_qmi_handle_req_cb result:-3
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
+  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
+  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  kelvra_extend_qmi_send_sync resp_len:0
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_nv_read:#]: result = 0, rsp.result = 0
+  RIL[kelvra_nv_read:#]: qmi response fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  send msg sync failed:-1
+  kelvra_extend_qmi_handle_req_cb result:-3
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
+  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
+  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  send msg sync failed:-2
+  kelvra_extend_qmi_handle_req_cb result:-3
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
+  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
+  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+
+The system log has a copy of each debug log unless a property forbids.
+
+  $ boot
+  $ logged() { sed -E 's/^[-0-9]+ [0-9:.]+ +[0-9]+ +[0-9]+ //; s/:[0-9]+\]/:#]/' "$VXK_HANDSET_DIR/log/system.log"; }
+  $ answer 4 6 0 /x | head -1
+  
+  $ logged
+  D vxk: rild print is started
+  D vxk: SUB[shell][kelvra_extend_nvefs:#] kelvra_efs_delete: kelvra_efs_delete, sub_id 0, path_len: 2
+  D vxk: SUB[shell][kelvra_extend_nvefs:#] kelvra_efs_delete: path_value: /x
+  D vxk: SUB[shell][kelvra_extend_cmn:#] kelvra_qmi_result_map: kelvra_qmi_result_map, old_result 0, new_result 0
+  D vxk: SUB[shell][kelvra_extend_nvefs:#] kelvra_efs_delete: result = 0, rsp.result = -2
+  D vxk: SUB[shell][kelvra_extend_nvefs:#] kelvra_efs_delete: qmi response fail
+  $ boot
+  $ printf 0 > "$VXK_HANDSET_DIR/properties/persist.vendor.radio.adb_log_kv"
+  $ vxk 4 6 0 /x | head -2
+  RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 2
+  RIL[kelvra_efs_delete:#]: path_value: /x
+  $ logged
+  D vxk: rild print is stoped
+
+A handset that comes later is found.
+
+  $ halt
+  $ export VXK_HANDSET_DIR="$CRAMTMP/h$((handsets + 1))"
+  $ command vxk 4 5 0 /late 1 > "$CRAMTMP/late.out" 2> "$CRAMTMP/late.err" &
+  $ until [ -s "$CRAMTMP/late.err" ]; do sleep 0.01; done
+  $ boot
+  $ wait %1; efs 0/late
+   01
+  $ sed -n 6p "$CRAMTMP/late.out"; tail -1 "$CRAMTMP/late.out" | grep -o 'result = .*'
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
+  result = 0, rsp.result[>=0 is instance id] = 0
+  $ sed "s|$VXK_HANDSET_DIR|DIR|g" "$CRAMTMP/late.err"
+  vxk: waiting for QMI service 65508: no handset publishes it in DIR. Start one with: vxk-handset serve --dir DIR
