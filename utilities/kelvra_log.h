@@ -41,11 +41,27 @@ struct KelvraLogSite {
 /// The trace of a function's start and end.
 #define KELVRA_LOG_ENTRY() KELVRA_LOGD("function entry ------------->")
 #define KELVRA_LOG_EXIT() KELVRA_LOGD("function exit <-------------")
+/// Both in one: the start now, the end on whichever way the enclosing function is left.
+#define KELVRA_LOG_SCOPE() const KelvraLogScope kelvra_log_scope({kLogUnit, __func__, __LINE__})
 
 /// What the macros above call. The console form of a message is one write: lines of two threads never mix.
 /// Any thread.
 void kelvra_log_debug(const KelvraLogSite& site, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
 void kelvra_log_error(const KelvraLogSite& site, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
+
+/// What KELVRA_LOG_SCOPE declares.
+class KelvraLogScope {
+public:
+    explicit KelvraLogScope(const KelvraLogSite& site) : site_(site) {
+        kelvra_log_debug(site_, "function entry ------------->");
+    }
+    ~KelvraLogScope() { kelvra_log_debug(site_, "function exit <-------------"); }
+    KelvraLogScope(const KelvraLogScope&) = delete;
+    KelvraLogScope& operator=(const KelvraLogScope&) = delete;
+
+private:
+    const KelvraLogSite site_;
+};
 
 /// System log at LOG_DEBUG and at LOG_ERR, with the process's default identity.
 void kelvra_ril_syslog_dbg(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
