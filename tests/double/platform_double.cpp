@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <regex>
 #include <sstream>
+#include <thread>
 
 #include "android/log.h"
 #include "cutils/properties.h"
@@ -24,6 +26,7 @@ namespace {
 
 std::unique_ptr<PlatformDouble> g_platform = std::make_unique<PlatformDouble>();
 std::atomic<int> g_malloc_countdown{0};
+std::atomic<int> g_threads{0};  // created by the code under test and not over
 
 using Lock = std::lock_guard<std::mutex>;
 
@@ -42,6 +45,18 @@ Result call(const Hook& hook, Result otherwise, Args... args) {
 std::vector<uint8_t> copy(const void* bytes, int len) {
     const auto* first = static_cast<const uint8_t*>(bytes);
     return first == nullptr || len < 1 ? std::vector<uint8_t>() : std::vector<uint8_t>(first, first + len);
+}
+
+struct ThreadStart {
+    void* (*body)(void*);
+    void* arg;
+};
+
+void* counted_thread(void* param) {
+    const std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(param));
+    void* const result = start->body(start->arg);
+    --g_threads;
+    return result;
 }
 
 bool allocation_fails() {
@@ -65,6 +80,11 @@ PlatformDouble& platform() {
 
 void fail_malloc(int n) {
     g_malloc_countdown = n;
+}
+
+void wait_for_threads() {
+    while (g_threads != 0)
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
 PlatformTest::PlatformTest() {
@@ -342,7 +362,14 @@ int __wrap_system(const char* command) {
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg) {
     if (platform().fail_thread_creation != 0)
         return platform().fail_thread_creation;
-    return __real_pthread_create(thread, attr, start, arg);
+    ++g_threads;
+    auto counted = std::make_unique<ThreadStart>(ThreadStart{start, arg});
+    const int result = __real_pthread_create(thread, attr, counted_thread, counted.get());
+    if (result == 0)
+        (void)counted.release();
+    else
+        --g_threads;
+    return result;
 }
 
 }  // extern "C"

@@ -98,6 +98,9 @@ PlatformDouble& platform();
 /// The n-th (from 1) following malloc or calloc of the code under test, on any thread, fails once; 0: none.
 void fail_malloc(int n);
 
+/// Waits until every thread that the code under test has created is over.
+void wait_for_threads();
+
 class PlatformTest : public testing::Test {
 protected:
     PlatformTest();
