@@ -47,6 +47,16 @@ void free_response() {
     g_qcril_diag_rsp_buf.data = nullptr;
 }
 
+// Wakes the sender when the function that declares it first is left: the function's own lines are all printed
+// by then, and the sender's come behind them.
+struct Wake {
+    bool due = false;
+    ~Wake() {
+        if (due)
+            sem_post(&g_diag_rsp_sem);
+    }
+};
+
 // The three below are called under the guard; each returns the name of the block that could not be had, or
 // null.
 
@@ -88,10 +98,11 @@ const char* add_piece(const uint8_t* ptr, int len) {
                                                 : append_to_response(ptr, len);
 }
 
-void give_up(uintptr_t command, const char* function) {
+// Whether the sender of this command is to be woken without waiting longer for its response.
+bool give_up(uintptr_t command, const char* function) {
     const DiagLock lock(g_guard);
     if (command != g_command)
-        return;
+        return false;
     const int length = g_qcril_diag_rsp_buf.length;
     if (length != 0 && length % kDiagFullPiece == 0) {
         KELVRA_LOGD_AS(function, "stop waiting, receive success, length is times of 4096");
@@ -99,10 +110,10 @@ void give_up(uintptr_t command, const char* function) {
         KELVRA_LOGD_AS(function, "stop waiting");
         g_diag_timeout_flag = 1;
     } else {
-        return;
+        return false;
     }
     g_released = true;
-    sem_post(&g_diag_rsp_sem);
+    return true;
 }
 
 }  // namespace
@@ -116,6 +127,7 @@ void diag_response_begin() {
 }
 
 int kelvra_diag_cmd_response_by_callback(unsigned char* ptr, int len, void* context_data) {
+    Wake wake;
     KELVRA_LOG_SCOPE();
     if (kelvra_diag_cmd_response_check(ptr, len, context_data) != 0) {
         KELVRA_LOGD("kelvra_diag_cmd_response_check fail");
@@ -133,11 +145,12 @@ int kelvra_diag_cmd_response_by_callback(unsigned char* ptr, int len, void* cont
         return 1;
     }
     KELVRA_LOGD("callback, cmd_code = 0x%02x, data_size = %d", ptr[0], len);
-    sem_post(&g_diag_rsp_sem);
+    wake.due = true;
     return 0;
 }
 
 int kelvra_diag_cmd_response_by_dci(unsigned char* ptr, int len, void* context_data) {
+    Wake wake;
     KELVRA_LOG_SCOPE();
     const DiagLock one_piece_at_a_time(g_diag_dci_rsp_mutex);
     if (kelvra_diag_cmd_response_check(ptr, len, context_data) != 0) {
@@ -158,7 +171,7 @@ int kelvra_diag_cmd_response_by_dci(unsigned char* ptr, int len, void* context_d
     }
     KELVRA_LOGD("response, cmd_code = 0x%02x, data_size = %d", ptr[0], len);
     if (last)
-        sem_post(&g_diag_rsp_sem);
+        wake.due = true;
     return 0;
 }
 
@@ -200,6 +213,7 @@ void kelvra_diag_cmd_send_with_result_wait_create_thread() {
 
 void* kelvra_diag_cmd_send_with_result_wait_thread_proc(void* command) {
     diag_name_this_thread();
+    Wake wake;
     KELVRA_LOG_SCOPE();
     const auto number = reinterpret_cast<uintptr_t>(command);
     int count = 0;
@@ -208,7 +222,7 @@ void* kelvra_diag_cmd_send_with_result_wait_thread_proc(void* command) {
         ++count;
         KELVRA_LOGD("%s, cnt_of_100ms = %d", __func__, count);
     } while (number == g_command && g_diag_wait_flag == 1 && count < g_diag_wait_limit);
-    give_up(number, __func__);
+    wake.due = give_up(number, __func__);
     return nullptr;
 }
 
