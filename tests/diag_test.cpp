@@ -1,0 +1,416 @@
+// The diag roads: what they send, what they take for a response, and that nothing which comes late does harm.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <sstream>
+#include <thread>
+
+#include "kelvra_diag_send.h"
+#include "kelvra_diag_unit.h"
+#include "kelvra_log.h"
+#include "kelvra_qmi_test_cmn.h"
+#include "platform_double.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Lengths = std::vector<int>;
+using testing::HasSubstr;
+
+enum Road { kCallback, kDci };
+
+// Bytes that tell their place, so that a mixed or shifted response shows.
+Bytes payload(int len, int seed = 1) {
+    Bytes bytes(static_cast<size_t>(std::max(len, 0)));
+    for (size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<uint8_t>(static_cast<size_t>(seed) * 31 + i + i / 256);
+    return bytes;
+}
+
+Bytes joined(Bytes bytes, const Bytes& more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+    return bytes;
+}
+
+void pause_for(int microseconds) {
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+}
+
+// What the diag library does with a response; a length of -1 stands for a null pointer.
+void deliver(Road road, Bytes bytes, int len) {
+    bytes.push_back(0);
+    uint8_t* const ptr = len < 0 ? nullptr : bytes.data();
+    if (road == kDci)
+        platform().dci_cb(ptr, len, platform().dci_data);
+    else
+        platform().diag_cb(ptr, len, platform().diag_context);
+}
+
+struct Outcome {
+    int result;
+    int reply_len;
+    Bytes reply;
+};
+
+Outcome send(Road road, int time_out = 3000, int capacity = DIAG_RSP_BUF_MAX) {
+    uint8_t cmd[] = {0x4b, 0x12};
+    Outcome outcome{-1, capacity, Bytes(DIAG_RSP_BUF_MAX)};
+    const auto send = road == kDci ? kelvra_diag_cmd_send_with_result_by_dci_mode
+                                   : kelvra_diag_cmd_send_with_result_by_callback_mode;
+    outcome.result = send(cmd, 2, time_out, outcome.reply.data(), &outcome.reply_len);
+    outcome.reply.resize(static_cast<size_t>(std::max(outcome.reply_len, 0)));
+    return outcome;
+}
+
+int send_without_result(int mode) {
+    const uint8_t cmd[] = {0x4b};
+    return kelvra_diag_cmd_send_without_result_start_thread(cmd, 1, mode);
+}
+
+class DiagTest : public PlatformTest {
+protected:
+    ~DiagTest() override { wait_for_threads(); }
+
+    template <typename Action>
+    static std::string log_of(const Action& action) {
+        return mask_lines(printed_by([&] {
+            action();
+            wait_for_threads();
+        }));
+    }
+
+    // The modem answers before the send itself returns.
+    static void answer_with(const Lengths& lengths) {
+        const auto answer = [lengths](Road road, int result) {
+            for (const int len : lengths)
+                deliver(road, payload(len), len);
+            return result;
+        };
+        platform().diag_send = [answer](int, const Bytes&) { return answer(kCallback, 0); };
+        platform().dci_send = [answer](int, const Bytes&) { return answer(kDci, 1001); };
+    }
+};
+
+TEST_F(DiagTest, RegistersEveryProcessorWithItsOwnContext) {
+    const struct {
+        uint16_t mask;
+        const char* name;
+        std::vector<int> processors;
+    } cases[] = {
+        {0, "[0]", {}}, {0x05, "[5] APSS", {1, 3}}, {0x40, "[64]", {7}}, {0x8020, "[32800] WDSP", {6, 16}}};
+    for (const auto& c : cases) {
+        platform().remote_cbs.clear();
+        platform().remote_mask = c.mask;
+        EXPECT_THAT(log_of([] { kelvra_diag_register_callback(kelvra_diag_cmd_response_by_callback); }),
+                    HasSubstr("g_diag_channel = [0]MSM, data_primary = 0, remote_mask = " +
+                              std::string(c.name) + "\n"));
+        EXPECT_EQ(*static_cast<int*>(platform().diag_context), 0);
+        std::vector<int> processors;
+        for (const auto& remote : platform().remote_cbs) {
+            processors.push_back(remote.proc);
+            EXPECT_EQ(*static_cast<int*>(remote.context), remote.proc);
+        }
+        EXPECT_EQ(processors, c.processors);
+    }
+}
+
+TEST_F(DiagTest, OneCloseEndsTheSessionForAll) {
+    kelvra_diag_init_with_result();
+    EXPECT_THAT(log_of(kelvra_diag_init_with_result),
+                HasSubstr("]: diag init done, g_diag_init_status = 1\n"));
+    EXPECT_EQ(g_diag_init_status, 2);
+    kelvra_diag_deinit_with_result();
+    EXPECT_EQ(g_diag_init_status, 0);
+}
+
+TEST_F(DiagTest, ChecksArguments) {
+    const Bytes bytes = payload(4097);
+    EXPECT_EQ(kelvra_diag_comand_input_check(nullptr, 4), 1);
+    for (const int len : {-1, 0, 1, 4096, 4097})
+        EXPECT_EQ(kelvra_diag_comand_input_check(bytes.data(), len), len == 1 || len == 4096 ? 0 : 1) << len;
+    int zero = 0;
+    int one = 1;
+    uint8_t byte = 0;
+    EXPECT_EQ(kelvra_diag_comand_output_check(nullptr, &one), 1);
+    EXPECT_EQ(kelvra_diag_comand_output_check(&byte, nullptr), 1);
+    EXPECT_EQ(kelvra_diag_comand_output_check(&byte, &zero), 1);
+    EXPECT_EQ(kelvra_diag_comand_output_check(&byte, &one), 0);
+}
+
+TEST_F(DiagTest, PrintsHexUpToTheLastByte) {
+    const Bytes most = joined({0x00, 0xab}, Bytes(4094, 0x7f));
+    EXPECT_THAT(log_of([&] { kelvra_print_data_with_hex(most.data(), 4096); }),
+                testing::ContainsRegex("data hex show, len.4096., data: 00 AB( 7F){4094}\n"));
+}
+
+TEST_F(DiagTest, TakesWhatIsAResponse) {
+    const struct {
+        Lengths pieces;
+        int callback_len;  // 0: time-out
+        int dci_len;
+        bool by_rule;  // a DCI response that the end of the time-out makes a success
+    } cases[] = {
+        {{}, 0, 0, false},
+        {{0}, 0, 0, false},
+        {{-1}, 0, 0, false},
+        {{10241}, 0, 0, false},
+        {{1}, 1, 1, false},
+        {{10240}, 10240, 10240, false},
+        {{4096}, 4096, 4096, true},
+        {{4096, 100}, 100, 4196, false},
+        {{4096, 4096}, 4096, 8192, true},
+        {{4096, 4096, 4096}, 4096, 10240, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.pieces));
+        answer_with(c.pieces);
+        for (const Road road : {kCallback, kDci}) {
+            const int expected = road == kDci ? c.dci_len : c.callback_len;
+            Outcome outcome{};
+            const std::string log = log_of([&] { outcome = send(road); });
+            Bytes sent;
+            for (const int len : c.pieces)
+                sent = joined(road == kDci ? sent : Bytes(), payload(len));
+            sent.resize(static_cast<size_t>(expected));
+            EXPECT_EQ(outcome.result, expected == 0 ? 1 : 0);
+            EXPECT_EQ(outcome.reply, sent);
+            EXPECT_EQ(log.find("]: stop waiting, receive success, length is times") != std::string::npos,
+                      road == kDci ? c.by_rule : expected == 4096);
+        }
+    }
+    answer_with({20});
+    EXPECT_EQ(send(kCallback, 3000, 7).reply, payload(7));
+}
+
+TEST_F(DiagTest, CountsTicksToTheTimeOut) {
+    const struct {
+        Road road;
+        int time_out;
+        size_t ticks;
+    } cases[] = {{kCallback, 0, 30}, {kCallback, -1, 30}, {kCallback, 60001, 30}, {kCallback, 60000, 600},
+                 {kCallback, 99, 1}, {kDci, 0, 1},        {kDci, -250, 1},        {kDci, 399, 3}};
+    for (const auto& c : cases) {
+        platform().usleeps.clear();
+        EXPECT_EQ(send(c.road, c.time_out).result, 1);
+        wait_for_threads();
+        EXPECT_EQ(platform().usleeps, std::vector<unsigned>(c.ticks, 100000)) << c.time_out;
+        EXPECT_EQ(g_diag_wait_limit, 30);
+        EXPECT_EQ(g_diag_timeout_flag, 0);
+    }
+    EXPECT_EQ(platform().logging_modes, std::vector<int>({6, 1, 6, 1, 6, 1, 6, 1, 6, 1}));
+}
+
+TEST_F(DiagTest, StopsAtAFailingStep) {
+    const auto fail = [](auto&&...) {
+        errno = 5;
+        return 1003;
+    };
+    const struct {
+        const char* complaint;
+        std::function<void()> break_step;
+        int releases;
+    } cases[] = {
+        {"Error sending SEND_REQUEST_ASYNC to peripheral 1003 for ch:0", [&] { platform().dci_send = fail; },
+         1},
+        {"Unable to register DCI stream for ch:0, err: 1003, errno: 5",
+         [&] { platform().dci_streams = fail; }, 1},
+        {"Could not get support list for ch 0, err: 1003, errno: 5", [&] { platform().dci_support = fail; },
+         1},
+        {"Could not register signal for DCI Data for ch:0, err: 1003, errno: 5",
+         [&] { platform().dci_signal = fail; }, 1},
+        {"Could not register with DCI, err: 1003, errno: 5 ch:0", [&] { platform().dci_register = fail; }, 0},
+    };
+    int releases = 0;
+    platform().dci_release = [&](int*) { return ++releases; };
+    for (const auto& c : cases) {
+        c.break_step();
+        releases = 0;
+        EXPECT_THAT(log_of([] { EXPECT_EQ(send(kDci).result, 1); }),
+                    HasSubstr("RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: " +
+                              std::string(c.complaint) + "\n"));
+        EXPECT_EQ(g_diag_init_status, 0);
+        EXPECT_THAT(log_of([] { EXPECT_EQ(send_without_result(5), 0); }),
+                    HasSubstr("dci_mode_thread_proc:#]: " + std::string(c.complaint) + "\n"));
+        EXPECT_EQ(releases, 2 * c.releases);
+    }
+    platform().lsm_init = [] { return false; };
+    platform().diag_send = [](int, const Bytes&) { return -1; };
+    EXPECT_THAT(log_of([] { EXPECT_EQ(send(kCallback).result, 1); }),
+                testing::ContainsRegex("LSM init failed(.|\n)*Fail to send diag cmd"));
+    EXPECT_THAT(log_of([] { send_without_result(0); }),
+                HasSubstr("callback_mode_thread_proc:#]: LSM init failed\n"));
+}
+
+TEST_F(DiagTest, SurvivesFailedAllocations) {
+    const struct {
+        Road road;
+        int fail;  // the n-th block
+        const char* complaint;
+        int result;
+        int reply_len;
+    } cases[] = {{kCallback, 2, "Failed to allocate memory for ptr_out\n", 0, 4096},
+                 {kDci, 1, "Unable to allocate memory for DCI rsp pkt, errno: 12\n", 1, DIAG_RSP_BUF_MAX},
+                 {kDci, 2, "Failed to allocate memory for ptr_out_1\n", 0, 100},
+                 {kDci, 3, "Failed to allocate memory for ptr_out_2\n", 0, 4096},
+                 {kDci, 4, "Failed to allocate memory for ptr_out_3\n", 0, 4096}};
+    answer_with({4096, 100});
+    for (const auto& c : cases) {
+        fail_malloc(c.fail);
+        Outcome outcome{};
+        EXPECT_THAT(log_of([&] { outcome = send(c.road); }), HasSubstr(c.complaint));
+        EXPECT_EQ(outcome.result, c.result) << c.complaint;
+        EXPECT_EQ(outcome.reply_len, c.reply_len) << c.complaint;
+    }
+    fail_malloc(1);
+    EXPECT_EQ(send_without_result(1), 1);
+    fail_malloc(2);
+    EXPECT_THAT(log_of([] { EXPECT_EQ(send_without_result(1), 0); }), HasSubstr("DCI rsp pkt, errno: 12\n"));
+}
+
+TEST_F(DiagTest, NeedsNoWaitThreadForAResponse) {
+    platform().fail_thread_creation = 11;
+    answer_with({3});
+    EXPECT_THAT(log_of([] { EXPECT_EQ(send(kCallback).reply, payload(3)); }),
+                HasSubstr("created, conf = 11\n"));
+    EXPECT_EQ(send_without_result(0), 0);
+}
+
+TEST_F(DiagTest, ALateResponseHelpsNobody) {
+    for (const Road road : {kCallback, kDci}) {
+        answer_with({5});
+        EXPECT_EQ(send(road).result, 0);
+        deliver(road, payload(9), 9);
+        answer_with({});
+        const Outcome outcome = send(road);
+        EXPECT_EQ(outcome.result, 1);
+        EXPECT_EQ(outcome.reply_len, 0);
+    }
+}
+
+TEST_F(DiagTest, OnlyAReleaseWakesTheSender) {
+    platform().usleep = [](unsigned) { return sem_post(&g_diag_rsp_sem); };
+    EXPECT_EQ(send(kCallback).result, 1);
+    wait_for_threads();
+    // A response just before the wait thread looks for the last time, the sender perhaps still asleep.
+    platform().usleep = [](unsigned) {
+        deliver(kCallback, payload(1), 1);
+        return 0;
+    };
+    for (int i = 0; i < 50; ++i)
+        EXPECT_EQ(send(kCallback, 100).result, 0);
+}
+
+TEST_F(DiagTest, PrintsTheCommandAndItsAnswer) {
+    const struct {
+        std::vector<std::string> words;
+        const char* printed;
+    } cases[] = {
+        {{"vxk", "5", "0", "0", "0", "3000", "0x1FF", "16"},
+         "diag cmd:\n0xFF 0x10 \ncallback mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
+        {{"vxk", "5", "0", "2", "0", "x", "-1"},
+         "diag cmd:\n0xFF \ndci mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
+        {{"vxk", "5", "0", "0", "7", "0", "1"},
+         "diag cmd:\n0x01 \ncallback mode without result\n\ndone without rsp data\n"},
+        {{"vxk", "5", "0", "1", "1", "0", "1"},
+         "diag cmd:\n0x01 \ndci mode without result\n\ndone without rsp data\n"},
+    };
+    answer_with({2});
+    for (auto c : cases) {
+        std::vector<char*> argv;
+        for (std::string& word : c.words)
+            argv.push_back(word.data());
+        std::istringstream lines(log_of(
+            [&] { EXPECT_EQ(kelvra_cmn_diag_cmd_send(static_cast<int>(argv.size()), argv.data()), 0); }));
+        std::string printed;
+        for (std::string line; std::getline(lines, line);)
+            printed += line.compare(0, 4, "RIL[") == 0 ? "" : line + "\n";
+        EXPECT_EQ(printed, c.printed);
+    }
+}
+
+class DiagStress : public DiagTest, public testing::WithParamInterface<Road> {};
+
+// The modem answers on a thread of its own, around the time-out, and keeps the library's promise: no callback
+// after the close.
+TEST_P(DiagStress, AThousandCommandsDoNotDisturbEachOther) {
+    const Road road = GetParam();
+    g_quiet_mode = true;
+    g_adb_log_state = 0;
+    std::mt19937 random(1);
+    const auto below = [&random](int limit) {
+        return static_cast<int>(random() % static_cast<unsigned>(limit));
+    };
+
+    std::vector<Bytes> pieces;
+    int delay = 0;  // in microseconds; 0: before the send returns; -1: never
+    std::atomic<bool> closed{false};
+    std::thread modem;
+    const auto answer = [&] {
+        pause_for(delay);
+        for (const Bytes& piece : pieces) {
+            if (!closed)
+                deliver(road, piece, static_cast<int>(piece.size()));
+        }
+    };
+    const auto sent = [&](int result) {
+        if (delay == 0)
+            answer();
+        else if (delay > 0)
+            modem = std::thread(answer);
+        return result;
+    };
+    platform().diag_send = [&](int, const Bytes&) { return sent(0); };
+    platform().dci_send = [&](int, const Bytes&) { return sent(1001); };
+    platform().lsm_deinit = [&] {
+        closed = true;
+        if (modem.joinable())
+            modem.join();
+        return true;
+    };
+    std::atomic<unsigned> ticks{0};
+    platform().usleep = [&ticks](unsigned) {
+        pause_for(static_cast<int>(ticks++ * 37 % 150));
+        return 0;
+    };
+
+    int in_time = 0;
+    int too_late = 0;
+    for (int i = 0; i < 1000; ++i) {
+        // Two responses on the callback road: either is right, whole. Two pieces on the DCI road: the second
+        // ends what a full one began, and so does the end of the time-out.
+        pieces.clear();
+        if (i % 2 == 0)
+            pieces.push_back(payload(road == kDci ? 4096 : 1 + below(6000), 2 * i));
+        pieces.push_back(payload(1 + below(4095), 2 * i + 1));
+        std::vector<Bytes> good = pieces;
+        if (road == kDci && pieces.size() == 2)
+            good[1] = joined(pieces[0], pieces[1]);
+        delay = i % 4 == 0 ? 0 : i % 7 == 0 ? -1 : 1 + below(500);
+        closed = false;
+
+        const bool surely_in_time = delay > 0 && i % 4 == 1;
+        const Outcome outcome = send(road, surely_in_time ? 60000 : 100 + 100 * below(4));
+        if (delay == 0)
+            good.erase(good.begin(), good.end() - 1);
+        if (outcome.result == 0 || outcome.reply_len != 0) {
+            ASSERT_THAT(good, testing::Contains(outcome.reply)) << i;
+        }
+        if (delay <= 0 || surely_in_time) {
+            ASSERT_EQ(outcome.result, delay < 0 ? 1 : 0) << i;
+        } else {
+            ++(outcome.result == 0 ? in_time : too_late);
+        }
+    }
+    EXPECT_GT(in_time, 0);
+    EXPECT_GT(too_late, 0);
+    wait_for_threads();
+    g_quiet_mode = false;
+    g_adb_log_state = 2;
+}
+
+INSTANTIATE_TEST_SUITE_P(Roads, DiagStress, testing::Values(kCallback, kDci));
+
+}  // namespace
