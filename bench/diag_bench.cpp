@@ -24,7 +24,7 @@ std::vector<uint8_t> some_bytes(int64_t count) {
 void plain_conversion(benchmark::State& state) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     const std::vector<uint8_t> bytes = some_bytes(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         char* out = g_text;
         for (const uint8_t byte : bytes) {
             *out++ = kDigits[byte >> 4];
@@ -41,7 +41,7 @@ BENCHMARK(plain_conversion)->RangeMultiplier(4)->Range(256, DIAG_CMD_MAX)->Compl
 
 void print_data_with_hex(benchmark::State& state) {
     const std::vector<uint8_t> bytes = some_bytes(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         kelvra_print_data_with_hex(bytes.data(), static_cast<int>(bytes.size()));
     state.SetComplexityN(state.range(0));
 }

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <chrono>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "kelvra_diag_send.h"
@@ -305,30 +304,25 @@ TEST_F(DiagTest, OnlyAReleaseWakesTheSender) {
 
 TEST_F(DiagTest, PrintsTheCommandAndItsAnswer) {
     const struct {
-        std::vector<std::string> words;
+        const char* line;
         const char* printed;
     } cases[] = {
-        {{"vxk", "5", "0", "0", "0", "3000", "0x1FF", "16"},
+        {"5 0 0 0 3000 0x1FF 16",
          "diag cmd:\n0xFF 0x10 \ncallback mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
-        {{"vxk", "5", "0", "2", "0", "x", "-1"},
-         "diag cmd:\n0xFF \ndci mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
-        {{"vxk", "5", "0", "0", "7", "0", "1"},
-         "diag cmd:\n0x01 \ncallback mode without result\n\ndone without rsp data\n"},
-        {{"vxk", "5", "0", "1", "1", "0", "1"},
-         "diag cmd:\n0x01 \ndci mode without result\n\ndone without rsp data\n"},
+        {"5 0 2 0 x -1", "diag cmd:\n0xFF \ndci mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
+        {"5 0 0 7 0 1", "diag cmd:\n0x01 \ncallback mode without result\n\ndone without rsp data\n"},
+        {"5 0 1 1 0 1", "diag cmd:\n0x01 \ndci mode without result\n\ndone without rsp data\n"},
     };
     answer_with({2});
-    for (auto c : cases) {
-        std::vector<char*> argv;
-        for (std::string& word : c.words)
-            argv.push_back(word.data());
-        std::istringstream lines(log_of(
-            [&] { EXPECT_EQ(kelvra_cmn_diag_cmd_send(static_cast<int>(argv.size()), argv.data()), 0); }));
-        std::string printed;
-        for (std::string line; std::getline(lines, line);)
-            printed += line.compare(0, 4, "RIL[") == 0 ? "" : line + "\n";
-        EXPECT_EQ(printed, c.printed);
-    }
+    for (const auto& c : cases)
+        EXPECT_EQ(without_lines(log_of([&] { run_line(kelvra_cmn_diag_cmd_send, c.line); }), "RIL["),
+                  c.printed);
+
+    std::vector<std::string> words(4097 + 5, "0");
+    words[0] = "5";
+    const std::string log = log_of([&] { EXPECT_EQ(run_words(kelvra_cmn_diag_cmd_send, words), 1); });
+    EXPECT_THAT(log, HasSubstr("callback_mode:#]: kelvra_diag_comand_param_check fail\n"));
+    EXPECT_THAT(log, HasSubstr("\nkelvra_diag_cmd_send fail\n"));
 }
 
 class DiagStress : public DiagTest, public testing::WithParamInterface<Road> {};
