@@ -114,14 +114,14 @@ void Port::accept_connection() {
     Connection& connection = connections_[id];
     connection.fd = fd;
     connection.watch = watch;
-    log(WireLine(where_, id, Direction::kEvent).word("connected"));
 }
 
 void Port::close_connection(ConnectionId id) {
     const auto found = connections_.find(id);
     if (found == connections_.end())
         return;
-    log(WireLine(where_, id, Direction::kEvent).word("closed"));
+    if (found->second.number != 0)
+        log(line(id, Direction::kEvent).word("closed"));
     handset_.wire_log().flush();
     handset_.loop().forget(found->second.watch);
     close_socket(found->second.fd);
@@ -148,19 +148,19 @@ void Port::receive(ConnectionId id) {
         return close_connection(id);
     const auto count = static_cast<size_t>(size);
     if (count > buffer_.size()) {
-        log(WireLine(where_, id, Direction::kToModem).word("malformed").unsigned_number("length", count));
+        log(line(id, Direction::kToModem).word("malformed").unsigned_number("length", count));
     } else {
         received(id, {buffer_.data(), count});
     }
     handset_.wire_log().flush();
 }
 
-void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& line) {
+void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& entry) {
     const auto found = connections_.find(id);
     if (found == connections_.end())
         return;
     Connection& connection = found->second;
-    log(line);
+    log(entry);
     handset_.wire_log().flush();
     connection.unsent.push_back(packet);
     connection.unsent_bytes += packet.size();
@@ -235,12 +235,12 @@ void Port::answer(ConnectionId connection, Exchange& exchange) {
 
 void Port::send_answer(ConnectionId connection, const Exchange& exchange, const wire::Bytes& packet,
                        std::chrono::milliseconds delay, const Fault* fault) {
-    WireLine line = exchange.answer_line(packet);
+    WireLine entry = exchange.answer_line(packet);
     if (fault != nullptr)
-        line.text("fault", fault->name());
+        entry.text("fault", fault->name());
     if (delay.count() == 0)
-        return send(connection, packet, line);
-    handset_.loop().after(delay, [this, connection, packet, line] { send(connection, packet, line); });
+        return send(connection, packet, entry);
+    handset_.loop().after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
 }
 
 std::vector<ConnectionId> Port::connections() const {
@@ -248,6 +248,18 @@ std::vector<ConnectionId> Port::connections() const {
     for (const auto& entry : connections_)
         ids.push_back(entry.first);
     return ids;
+}
+
+WireLine Port::line(ConnectionId id, Direction direction) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end())
+        return WireLine(where_, 0, direction);
+    unsigned& number = found->second.number;
+    if (number == 0) {
+        number = ++last_number_;
+        log(WireLine(where_, number, Direction::kEvent).word("connected"));
+    }
+    return WireLine(where_, number, direction);
 }
 
 void Port::log(const WireLine& line) {

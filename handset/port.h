@@ -40,7 +40,7 @@ public:
     const std::string& socket_name() const { return socket_name_; }
 
     /// Sends one packet and logs it. Nothing happens when the connection is gone.
-    void send(ConnectionId connection, const wire::Bytes& packet, const WireLine& line);
+    void send(ConnectionId connection, const wire::Bytes& packet, const WireLine& entry);
     void close_connection(ConnectionId connection);
 
 protected:
@@ -51,13 +51,18 @@ protected:
     void answer(ConnectionId connection, Exchange& exchange);
 
     std::vector<ConnectionId> connections() const;
-    void log(const WireLine& line);
+    void log(const WireLine& entry);
+
+    /// A line of the wire log about a connection. Connections are numbered in the order in which something is
+    /// first said of them: one that is only opened to see whether the service is there leaves no trace.
+    WireLine line(ConnectionId connection, Direction direction);
 
     Handset& handset_;
 
 private:
     struct Connection {
         int fd = -1;
+        unsigned number = 0;  // in the wire log; 0: not mentioned yet
         EventLoop::Token watch = 0;
         std::deque<wire::Bytes> unsent;
         size_t unsent_bytes = 0;
@@ -78,6 +83,7 @@ private:
     EventLoop::Token listener_watch_ = 0;
     EventLoop::Token comeback_ = 0;
     std::map<ConnectionId, Connection> connections_;
+    unsigned last_number_ = 0;
 };
 
 }  // namespace handset

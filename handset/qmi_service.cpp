@@ -16,8 +16,7 @@ bool well_formed(wire::View body) {
 
 class QmiExchange : public Exchange {
 public:
-    QmiExchange(const QmiPort& port, QmiService& service, ConnectionId connection,
-                const wire::QmiPacket& packet)
+    QmiExchange(QmiPort& port, QmiService& service, ConnectionId connection, const wire::QmiPacket& packet)
         : port_(port),
           service_(service),
           packet_(packet),
@@ -56,12 +55,10 @@ public:
     }
 
     WireLine answer_line(wire::View packet) const override {
-        return port_.line(request_.connection, Direction::kFromModem, packet);
+        return port_.packet_line(request_.connection, Direction::kFromModem, packet);
     }
     WireLine no_answer_line() const override {
-        return WireLine(port_.where(), request_.connection, Direction::kFromModem)
-            .word("none")
-            .word("#" + std::to_string(packet_.transaction));
+        return port_.no_answer_line(request_.connection, packet_.transaction);
     }
 
 private:
@@ -69,7 +66,7 @@ private:
         return wire::encode({wire::kQmiResponse, packet_.transaction, packet_.message, std::move(body)});
     }
 
-    const QmiPort& port_;
+    QmiPort& port_;
     QmiService& service_;
     const wire::QmiPacket& packet_;
     QmiRequest request_;
@@ -126,11 +123,11 @@ QmiPort::QmiPort(Handset& handset, std::unique_ptr<QmiService> service)
 void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
     const wire::Bytes packet = wire::encode({wire::kQmiIndication, 0, message, body});
     for (const ConnectionId connection : connections())
-        send(connection, packet, line(connection, Direction::kFromModem, packet));
+        send(connection, packet, packet_line(connection, Direction::kFromModem, packet));
 }
 
 void QmiPort::received(ConnectionId connection, wire::View bytes) {
-    log(line(connection, Direction::kToModem, bytes));
+    log(packet_line(connection, Direction::kToModem, bytes));
     const auto packet = wire::decode_qmi(bytes);
     // Without a whole header there is no transaction to answer; and only requests are answered.
     if (!packet || packet->flags != wire::kQmiRequest)
@@ -139,18 +136,22 @@ void QmiPort::received(ConnectionId connection, wire::View bytes) {
     answer(connection, exchange);
 }
 
-WireLine QmiPort::line(ConnectionId connection, Direction direction, wire::View bytes) const {
-    WireLine line(where(), connection, direction);
+WireLine QmiPort::packet_line(ConnectionId connection, Direction direction, wire::View bytes) {
+    WireLine entry = line(connection, direction);
     const auto packet = wire::decode_qmi(bytes);
     if (!packet) {
-        line.word("malformed").bytes("packet", bytes);
-        return line;
+        entry.word("malformed").bytes("packet", bytes);
+        return entry;
     }
-    line.word(kind_name(packet->flags))
+    entry.word(kind_name(packet->flags))
         .word(service_->message_name(packet->message) + "(" + std::to_string(packet->message) + ")")
         .word("#" + std::to_string(packet->transaction));
-    service_->describe(static_cast<wire::QmiFlags>(packet->flags), packet->message, packet->body, line);
-    return line;
+    service_->describe(static_cast<wire::QmiFlags>(packet->flags), packet->message, packet->body, entry);
+    return entry;
+}
+
+WireLine QmiPort::no_answer_line(ConnectionId connection, uint16_t transaction) {
+    return line(connection, Direction::kFromModem).word("none").word("#" + std::to_string(transaction));
 }
 
 }  // namespace handset

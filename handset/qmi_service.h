@@ -77,7 +77,8 @@ public:
 
     const QmiService& service() const { return *service_; }
     void indicate(uint16_t message, const wire::Bytes& body);
-    WireLine line(ConnectionId connection, Direction direction, wire::View packet) const;
+    WireLine packet_line(ConnectionId connection, Direction direction, wire::View packet);
+    WireLine no_answer_line(ConnectionId connection, uint16_t transaction);
 
 protected:
     void received(ConnectionId connection, wire::View packet) override;

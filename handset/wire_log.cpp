@@ -3,7 +3,9 @@
 //   MM-DD HH:MM:SS.mmm WHERE CONNECTION DIRECTION MESSAGE FIELD=VALUE ...
 //
 //   WHERE        qmi/<service>, diag, at, or modem for the handset itself
-//   CONNECTION   the connection's number, counted from 1 since the handset was switched on, or "-"
+//   CONNECTION   the connection's number at its socket, counted from 1 since the boot, or "-"; only those
+//   that
+//                something passed on are counted
 //   DIRECTION    -> to the modem, <- from the modem, -- something happened
 //   MESSAGE      qmi: request, response or indication, then NAME(NUMBER) #TRANSACTION; diag: the op's or
 //   event's name;
