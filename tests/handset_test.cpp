@@ -297,16 +297,16 @@ TEST_F(HandsetTest, TheWireLogTellsWhatPassed) {
     client.request(0, hex("00 00 00 00 00 00 00 00"));
     client.request(1, {});
     const std::string result = "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";
+    const std::string written =
+        "05 00 00 00 04 2F 61 22 0A" + zeros(67) + " 03 00 00 00 03" + zeros(7) + " 01 00 02";
     const std::string lines[] = {
         "1 -- connected",
-        R"(1 -> request send(2) #1 id=2 data_len=512 command="efs_write" sub=0 path="/a\"\n" total=3 offset=0 chunk=3 )"
-        "data=[05 00 00 00 04 2F 61 22 0A" +
-            zeros(67) + " 03 00 00 00 03 00 00 00 00 00 00 00 01 00 02 (+421 zero)]",
+        R"(1 -> request send(2) #1 id=2 data_len=512 command="efs_write" sub=0 path="/a\"\n" total=3 offset=0 chunk=3 data=[)" +
+            written + " (+421 zero)]",
         "1 <- response send(2) #1 id=0 data_len=20 data=[(+20 zero)]",
         R"(1 -> request send(2) #2 id=2 data_len=512 command="nv_delete" sub=1 item=7 data=[03 01 07 (+509 zero)])",
         "1 <- response send(2) #2 id=0 data_len=20 data=[" + result + "FE FF FF FF]",
-        R"(1 -> request send(2) #3 id=4 data_len=18 form="tlv" code=99 value=[08 09] )"
-        "data=[02 00 00 00 00 00 00 00 63 00 00 00 02 00 00 00 08 09]",
+        R"(1 -> request send(2) #3 id=4 data_len=18 form="tlv" code=99 value=[08 09] data=[02 00 00 00 00 00 00 00 63 00 00 00 02 00 00 00 08 09])",
         "1 <- response send(2) #3 id=0 data_len=16 data=[00 00 00 00 00 00 00 00 63 00 00 00 00 00 00 00]",
         "1 -> request send(2) #4 id=0 data_len=8 data=[(+8 zero)]",
         R"(1 <- response send(2) #4 0x01=[00 00 00 00] malformed body=[01 04 00 00 00 00 00 02 04] fault="cut")",
