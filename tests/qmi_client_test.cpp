@@ -88,15 +88,12 @@ protected:
         ASSERT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
     }
     int ask(sar_get_dsi_resp_msg_v01* into, unsigned timeout_ms) {
-        return qmi_client_send_msg_sync(client, SAR_GET_DSI_V01, nullptr, 0, into, sizeof *into,
-                                        timeout_ms);
+        return qmi_client_send_msg_sync(client, SAR_GET_DSI_V01, nullptr, 0, into, sizeof *into, timeout_ms);
     }
     std::future<int> ask_in_thread(sar_get_dsi_resp_msg_v01* into, unsigned timeout_ms = kForEver) {
         return std::async(std::launch::async, [=] { return ask(into, timeout_ms); });
     }
-    void TearDown() override {
-        EXPECT_EQ(client ? qmi_client_release(client) : QMI_NO_ERR, QMI_NO_ERR);
-    }
+    void TearDown() override { EXPECT_EQ(client ? qmi_client_release(client) : QMI_NO_ERR, QMI_NO_ERR); }
 
     TemporaryFolder folder;
     std::optional<Listener> listener{folder.path("qmi/17")};

@@ -1,0 +1,254 @@
+// The diag library against a handset that the test plays, packet by packet.
+#include <gmock/gmock.h>
+
+#include <future>
+#include <optional>
+#include <thread>
+
+#include "diag_lsm.h"
+#include "diag_lsm_dci.h"
+#include "fake_service.h"
+
+namespace {
+
+using testing::ElementsAre;
+using wire::Bytes;
+
+constexpr int kDciLost = 1003;
+
+/// What came to the callbacks, in order.
+std::mutex g_mutex;
+std::vector<std::string> g_calls;
+
+void note(const std::string& what, const unsigned char* ptr, int len) {
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_calls.push_back(what + (ptr ? "" : " null"));
+    for (int i = 0; ptr && i < len; ++i)
+        g_calls.back() += " " + std::to_string(ptr[i]);
+}
+
+std::vector<std::string> calls(size_t awaited) {
+    for (int i = 0; i < 5000; ++i) {
+        {
+            const std::lock_guard<std::mutex> lock(g_mutex);
+            if (g_calls.size() >= awaited)
+                return g_calls;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return {"nothing came"};
+}
+
+int on_response(unsigned char* ptr, int len, void* context) {
+    note("response " + std::to_string(*static_cast<int*>(context)), ptr, len);
+    return 0;
+}
+void on_dci(unsigned char* ptr, int len, void* data) {
+    note(data ? "data" : "dci", ptr, len);
+}
+void on_log(unsigned char* ptr, int len) {
+    note("log", ptr, len);
+}
+void on_event(unsigned char* ptr, int len) {
+    note("event", ptr, len);
+}
+
+// A callback that goes on while the session is closed.
+std::promise<void> g_entered;
+std::promise<void> g_leave;
+int hold(unsigned char*, int, void*) {
+    g_entered.set_value();
+    g_leave.get_future().wait();
+    note("held", nullptr, 0);
+    return 0;
+}
+
+class DiagClient : public testing::Test {
+protected:
+    void SetUp() override { g_calls.clear(); }
+    void TearDown() override { Diag_LSM_DeInit(); }
+
+    /// Plays one op: the test's call in a thread, the request that it sends, and the answer.
+    template <typename Call>
+    auto play(Call call, const Bytes& request, const Bytes& answer) {
+        auto result = std::async(std::launch::async, call);
+        EXPECT_EQ(peer->receive(), request);
+        peer->send(answer);
+        return result.get();
+    }
+    void open() {
+        auto opened = std::async(std::launch::async, [] { return Diag_LSM_Init(nullptr); });
+        peer.emplace(listener->accept());
+        EXPECT_EQ(peer->receive(), Bytes{1});
+        peer->send({0x81, 1, 0, 0, 0});
+        ASSERT_TRUE(opened.get());
+    }
+
+    TemporaryFolder folder;
+    std::optional<Listener> listener{folder.path("diag")};
+    std::optional<Peer> peer;
+    int zero = 0;
+    int two = 2;
+    unsigned char command[2] = {0x7c, 5};
+    unsigned char room[3] = {};
+};
+
+TEST_F(DiagClient, OpensOnResultOneAlone) {
+    listener.reset();
+    EXPECT_FALSE(Diag_LSM_Init(nullptr));
+    listener.emplace(folder.path("diag"));
+    for (const Bytes& answer : {Bytes{0x81}, Bytes{0x81, 0, 0, 0, 0}, Bytes{0x81, 1, 0, 0}, Bytes{}}) {
+        auto opened = std::async(std::launch::async, [] { return Diag_LSM_Init(nullptr); });
+        peer.emplace(listener->accept());
+        peer->receive();
+        answer.empty() ? peer->close() : peer->send(answer);
+        EXPECT_FALSE(opened.get());
+    }
+    open();
+    EXPECT_TRUE(Diag_LSM_Init(nullptr)) << "open already";
+    EXPECT_TRUE(Diag_LSM_DeInit());
+    EXPECT_TRUE(peer->receive().empty());
+    EXPECT_FALSE(Diag_LSM_DeInit());
+    open();
+}
+
+TEST_F(DiagClient, SpeaksEveryOp) {
+    open();
+    uint16_t mask = 9;
+    int client = 0;
+    uint16_t list = 2;
+    const auto remote = [&] {
+        diag_has_remote_device(&mask);
+        return mask;
+    };
+    EXPECT_EQ(play(remote, {2}, {0x82, 0, 0, 0, 0, 5, 1}), 0x105);
+    EXPECT_EQ(play(remote, {2}, {0x82, 0, 0, 0, 0, 5}), 0) << "a field cut short";
+    play([] { return diag_switch_logging(6, nullptr), 0; }, {3, 6, 0, 0, 0}, {0x83});
+    const auto send = [&] { return diag_callback_send_data(1, command, 2); };
+    EXPECT_EQ(play(send, {4, 1, 0, 0, 0, 0x7c, 5}, {0x84, 0, 0, 0, 0}), 0);
+    EXPECT_EQ(play(send, {4, 1, 0, 0, 0, 0x7c, 5}, {0x84, 7, 0, 0, 0}), 7);
+    EXPECT_EQ(diag_callback_send_data(0, nullptr, 1), -1);
+    const auto enrol = [&] { return diag_register_dci_client(&client, &list, 0, nullptr); };
+    EXPECT_EQ(play(enrol, {5, 2, 0, 0, 0, 0, 0}, {0x85, 0xea, 3, 0, 0, 4, 0, 0, 0}), 1002);
+    EXPECT_EQ(client, 0);
+    EXPECT_EQ(play(enrol, {5, 2, 0, 0, 0, 0, 0}, {0x85, 0xe9, 3, 0, 0, 4, 0, 0, 0}), 1001);
+    EXPECT_EQ(client, 4);
+    EXPECT_EQ(play([&] { return diag_register_dci_signal_data(4, 64); }, {6, 4, 0, 0, 0, 64, 0, 0, 0},
+                   {0x86, 0xe9, 3, 0, 0}),
+              1001);
+    EXPECT_EQ(play([&] { return diag_get_dci_support_list_proc(0, &list); }, {7, 0, 0, 0, 0},
+                   {0x87, 0xe9, 3, 0, 0, 6, 0}),
+              1001);
+    EXPECT_EQ(list, 6);
+    EXPECT_EQ(play([&] { return diag_register_dci_stream_proc(4, on_log, on_event); }, {8, 4, 0, 0, 0},
+                   {0x88, 0xe9, 3, 0, 0}),
+              1001);
+    EXPECT_EQ(play([&] { return diag_send_dci_async_req(4, command, 2, room, 3, on_dci, nullptr); },
+                   {9, 4, 0, 0, 0, 0x7c, 5}, {0x89, 0xe9, 3, 0, 0}),
+              1001);
+    EXPECT_EQ(play([&] { return diag_release_dci_client(&client); }, {10, 4, 0, 0, 0}, {0x8a, 0xe9, 3, 0, 0}),
+              1001);
+}
+
+TEST_F(DiagClient, DeliversEventsInOrder) {
+    open();
+    diag_register_callback(on_response, &zero);
+    diag_register_remote_callback(on_response, 2, &two);
+    play([&] { return diag_register_dci_stream_proc(4, on_log, on_event); }, {8, 4, 0, 0, 0},
+         {0x88, 0xe9, 3, 0, 0});
+    // A response that comes before the send's own answer.
+    auto sent = std::async(std::launch::async,
+                           [&] { return diag_send_dci_async_req(4, command, 2, room, 3, on_dci, nullptr); });
+    peer->receive();
+    for (const Bytes& event :
+         {Bytes{0x41, 1, 2}, Bytes{0x40}, Bytes{0x44, 9}, Bytes{0x40, 1, 9}, Bytes{0x40, 0, 8},
+          Bytes{0x40, 2}, Bytes{0x42, 3}, Bytes{0x43, 4, 5}, Bytes{0x41}, Bytes{0x41, 6, 7, 8, 9}})
+        peer->send(event);
+    EXPECT_THAT(calls(7), ElementsAre("dci 1 2", "response 0 8", "response 2", "log 3", "event 4 5", "dci",
+                                      "dci 6 7 8"))
+        << "a piece is cut to the packet's room";
+    peer->send({0x89, 0xe9, 3, 0, 0});
+    EXPECT_EQ(sent.get(), 1001);
+}
+
+TEST_F(DiagClient, LosesItsConnection) {
+    open();
+    diag_register_callback(on_response, &zero);
+    auto sent = std::async(std::launch::async, [&] { return diag_callback_send_data(0, command, 2); });
+    peer->receive();
+    peer->send({0x40, 0, 1});
+    peer->send({0x40, 0, 2});
+    peer->close();
+    EXPECT_EQ(sent.get(), -1);
+    EXPECT_THAT(calls(2), ElementsAre("response 0 1", "response 0 2"));
+    uint16_t list = 2;
+    int client = 4;
+    EXPECT_EQ(diag_callback_send_data(0, command, 2), -1);
+    EXPECT_EQ(diag_register_dci_client(&client, &list, 0, nullptr), kDciLost);
+    EXPECT_EQ(diag_send_dci_async_req(4, command, 2, room, 3, on_dci, nullptr), kDciLost);
+    Diag_LSM_DeInit();
+    EXPECT_EQ(diag_register_dci_signal_data(4, 1), kDciLost);
+    EXPECT_EQ(diag_get_dci_support_list_proc(0, &list), kDciLost);
+    EXPECT_EQ(diag_register_dci_stream_proc(4, on_log, on_event), kDciLost);
+    EXPECT_EQ(diag_release_dci_client(&client), 1001);
+    open();
+}
+
+TEST_F(DiagClient, GivesUpAnOpAfterFiveSeconds) {
+    open();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(diag_callback_send_data(0, command, 2), -1);
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    EXPECT_NEAR(took.count(), 5.0, 0.5);
+}
+
+TEST_F(DiagClient, ClosingWaitsForTheCallbackThatRuns) {
+    g_entered = {};
+    g_leave = {};
+    open();
+    diag_register_callback(hold, nullptr);
+    peer->send({0x40, 0, 1});
+    peer->send({0x40, 0, 2});
+    g_entered.get_future().wait();
+    auto closed = std::async(std::launch::async, [] {
+        Diag_LSM_DeInit();
+        note("closed", nullptr, 0);
+    });
+    EXPECT_TRUE(peer->receive().empty());
+    g_leave.set_value();
+    closed.get();
+    EXPECT_THAT(calls(2), ElementsAre("held null", "closed null"));
+}
+
+// Ops from two threads while events pour in, and the handset goes at any time; for the thread sanitizer.
+TEST_F(DiagClient, LivesThroughManyLives) {
+    for (int life = 0; life < 30; ++life) {
+        open();
+        diag_register_callback(on_response, &zero);
+        std::thread handset([&] {
+            for (int i = 0; i < 20; ++i) {
+                const Bytes request = peer->receive();
+                if (request.empty())
+                    break;
+                peer->send({0x40, 0, 1});
+                peer->send({static_cast<uint8_t>(request[0] | 0x80), 0xe9, 3, 0, 0});
+            }
+            peer->close();
+        });
+        const auto use = [&] {
+            while (diag_callback_send_data(0, command, 2) == 1001)
+                diag_send_dci_async_req(1, command, 2, room, 3, on_dci, nullptr);
+        };
+        std::thread one(use);
+        std::thread other(use);
+        if (life % 2 == 0)
+            handset.join();
+        Diag_LSM_DeInit();
+        one.join();
+        other.join();
+        if (handset.joinable())
+            handset.join();
+    }
+}
+
+}  // namespace

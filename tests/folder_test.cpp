@@ -1,0 +1,116 @@
+// What the workstation library keeps in the handset's folder by itself: properties and the system log.
+#include <gmock/gmock.h>
+#include <sys/syslog.h>
+
+#include <cstdarg>
+#include <fstream>
+#include <sstream>
+
+#include "android/log.h"
+#include "cutils/properties.h"
+#include "fake_service.h"
+
+namespace {
+
+using testing::MatchesRegex;
+
+std::string content(const std::string& path) {
+    std::stringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+std::string property(const std::string& key, const char* default_value = nullptr) {
+    char value[PROPERTY_VALUE_MAX];
+    memset(value, 'x', sizeof value);
+    const int length = property_get(key.c_str(), value, default_value);
+    EXPECT_EQ(strlen(value), static_cast<size_t>(length));
+    return value;
+}
+
+TEST(Properties, AreFiles) {
+    const TemporaryFolder folder;
+    const std::string longest(91, 'v');
+    EXPECT_EQ(property("a.b"), "");
+    EXPECT_EQ(property("a.b", "1"), "1");
+    EXPECT_EQ(property("a.b", std::string(200, 'd').c_str()), std::string(91, 'd'));
+    EXPECT_EQ(property_set("a.b", longest.c_str()), 0);
+    EXPECT_EQ(property("a.b", "1"), longest);
+    EXPECT_EQ(content(folder.path("properties/a.b")), longest);
+    EXPECT_LT(property_set("a.b", (longest + 'v').c_str()), 0);
+    EXPECT_EQ(property("a.b"), longest);
+    EXPECT_EQ(property_set("a.b", "2"), 0);
+    EXPECT_EQ(property("a.b"), "2");
+    EXPECT_EQ(property_set("a.b", ""), 0);
+    EXPECT_EQ(property("a.b", "3"), "3");
+    std::ofstream(folder.path("properties/by.hand")) << "on\n";
+    EXPECT_EQ(property("by.hand"), "on");
+    std::ofstream(folder.path("properties/by.hand")) << longest << longest;
+    EXPECT_EQ(property("by.hand"), longest);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path("properties")), {}), 1);
+}
+
+TEST(Properties, StayInTheirFolder) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.path("outside")) << "secret";
+    for (const std::string& key : {std::string("../outside"), std::string(".."), std::string("."),
+                                   std::string(), std::string("a/b"), std::string(300, 'k')}) {
+        EXPECT_LT(property_set(key.c_str(), "1"), 0) << key;
+        EXPECT_EQ(property(key, "none"), "none");
+    }
+    EXPECT_EQ(content(folder.path("outside")), "secret");
+    setenv("VXK_HANDSET_DIR", folder.path("missing").c_str(), 1);
+    EXPECT_LT(property_set("a", "1"), 0);
+}
+
+void write_log(int priority, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
+void write_log(int priority, const char* fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    vsyslog(priority, fmt, args);
+    va_end(args);
+}
+
+/// The lines of the log, without the time: "PID TID P TAG: MESSAGE", where PID and TID must be this
+/// process's.
+std::vector<std::string> log_lines(const std::string& path) {
+    std::vector<std::string> lines;
+    std::ifstream file(path);
+    const std::string ids = std::to_string(getpid()) + " " + std::to_string(gettid()) + " ";
+    for (std::string line; std::getline(file, line);) {
+        const std::string time = line.substr(0, 19);
+        EXPECT_THAT(
+            time, MatchesRegex("[0-9][0-9]-[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9] "));
+        EXPECT_EQ(line.substr(19, ids.size()), ids);
+        lines.push_back(line.substr(19 + ids.size()));
+    }
+    return lines;
+}
+
+TEST(SystemLog, HasALineAMessage) {
+    const std::string tag = program_invocation_short_name;
+    const std::string longest(100000, 'm');
+    {
+        const TemporaryFolder folder;
+        write_log(LOG_DEBUG, "rild print is started");
+        write_log(LOG_USER | LOG_ERR, "two\nlines %d\n", 7);
+        errno = ENOENT;
+        write_log(LOG_NOTICE, "%s", "kept");
+        EXPECT_EQ(errno, ENOENT);
+        write_log(LOG_CRIT, "%s", longest.c_str());
+        EXPECT_GT(__android_log_print(ANDROID_LOG_INFO, "KOLVO", "%s", "\n"), 0);
+        EXPECT_EQ(__android_log_print(ANDROID_LOG_SILENT, "KOLVO", "unheard"), 0);
+        EXPECT_THAT(log_lines(folder.path("log/system.log")),
+                    testing::ElementsAre("D " + tag + ": rild print is started", "E " + tag + ": two lines 7",
+                                         "I " + tag + ": kept", "F " + tag + ": " + longest, "I KOLVO: "));
+    }
+    write_log(LOG_WARNING, "to nobody");
+    const TemporaryFolder other;
+    write_log(LOG_WARNING, "to another folder");
+    std::filesystem::remove_all(other.path("log"));
+    write_log(LOG_WARNING, "to a new file");
+    EXPECT_THAT(log_lines(other.path("log/system.log")),
+                testing::ElementsAre("W " + tag + ": to a new file"));
+}
+
+}  // namespace
