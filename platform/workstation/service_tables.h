@@ -15,8 +15,7 @@ struct Field {
     size_t size;
 };
 
-#define VXK_FIELD(type, member) \
-    (::workstation::Field{offsetof(type, member), sizeof(static_cast<type*>(nullptr)->member)})
+#define VXK_FIELD(type, member) (::workstation::Field{offsetof(type, member), sizeof(type::member)})
 
 /// A number of `wire_width` bytes on the wire.
 constexpr qmi_idl_element number(uint8_t tlv, uint8_t wire_width, Field field) {

@@ -81,7 +81,8 @@ std::string line_head(char priority, const char* tag) {
     return std::string(head) + (tag ? tag : "") + ": ";
 }
 
-void append_formatted(std::string& line, const char* fmt, va_list args) {
+__attribute__((format(printf, 2, 0))) void append_formatted(std::string& line, const char* fmt,
+                                                            va_list args) {
     char usual[1024];
     va_list again;
     va_copy(again, args);
@@ -100,7 +101,8 @@ void append_formatted(std::string& line, const char* fmt, va_list args) {
 /// One message, one line: a line break at its end is dropped, one inside it becomes a blank. The caller's
 /// errno is what
 /// "%m" prints, and stays as it is.
-bool log_message(char priority, const char* tag, const char* fmt, va_list args) {
+__attribute__((format(printf, 3, 0))) bool log_message(char priority, const char* tag, const char* fmt,
+                                                       va_list args) {
     const int callers_errno = errno;
     std::string line = line_head(priority, tag);
     const size_t start = line.size();
@@ -138,7 +140,8 @@ extern "C" void vsyslog(int priority, const char* fmt, va_list args) {
 }
 
 /// What a caller compiled with _FORTIFY_SOURCE calls in place of vsyslog.
-extern "C" void __vsyslog_chk(int priority, int, const char* fmt, va_list args);
+extern "C" __attribute__((format(printf, 3, 0))) void __vsyslog_chk(int priority, int, const char* fmt,
+                                                                    va_list args);
 extern "C" void __vsyslog_chk(int priority, int, const char* fmt, va_list args) {
     vsyslog(priority, fmt, args);
 }
