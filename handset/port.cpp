@@ -114,6 +114,7 @@ void Port::accept_connection() {
     Connection& connection = connections_[id];
     connection.fd = fd;
     connection.watch = watch;
+    connection_opened(id);
 }
 
 void Port::close_connection(ConnectionId id) {

@@ -45,6 +45,7 @@ public:
 
 protected:
     virtual void received(ConnectionId connection, wire::View packet) = 0;
+    virtual void connection_opened(ConnectionId) {}
     virtual void connection_closed(ConnectionId) {}
 
     /// Carries a request out and sends its answer, unless a fault has other plans.

@@ -7,6 +7,8 @@
 namespace handset {
 namespace {
 
+constexpr uint8_t kTlvResult = 0x02;
+
 bool well_formed(wire::View body) {
     wire::TlvReader reader(body);
     while (reader.next()) {
@@ -85,8 +87,17 @@ wire::Writer qmi_result(uint32_t error) {
     wire::Writer value;
     value.u16(error == 0 ? 0 : 1).u16(static_cast<uint16_t>(error));
     wire::Writer body;
-    body.tlv(0x02, value.data());
+    body.tlv(kTlvResult, value.data());
     return body;
+}
+
+bool describe_result(wire::View body, WireLine& line) {
+    const auto value = wire::find_tlv(body, kTlvResult);
+    if (!value || value->size != 4)
+        return false;
+    wire::Reader reader(*value);
+    line.number("result", reader.u16()).number("error", reader.u16());
+    return true;
 }
 
 wire::Bytes QmiService::refusal(uint32_t error) const {
@@ -113,6 +124,11 @@ void QmiService::indicate(uint16_t message, const wire::Bytes& body) {
         port_->indicate(message, body);
 }
 
+void QmiService::indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection) {
+    if (port_ != nullptr)
+        port_->indicate(message, body, connection);
+}
+
 QmiPort::QmiPort(Handset& handset, std::unique_ptr<QmiService> service)
     : Port(handset, "qmi/" + service_name(service->id()), "qmi/" + std::to_string(service->id()),
            wire::kQmiPacketMax),
@@ -121,9 +137,13 @@ QmiPort::QmiPort(Handset& handset, std::unique_ptr<QmiService> service)
 }
 
 void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
-    const wire::Bytes packet = wire::encode({wire::kQmiIndication, 0, message, body});
     for (const ConnectionId connection : connections())
-        send(connection, packet, packet_line(connection, Direction::kFromModem, packet));
+        indicate(message, body, connection);
+}
+
+void QmiPort::indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection) {
+    const wire::Bytes packet = wire::encode({wire::kQmiIndication, 0, message, body});
+    send(connection, packet, packet_line(connection, Direction::kFromModem, packet));
 }
 
 void QmiPort::received(ConnectionId connection, wire::View bytes) {
@@ -146,7 +166,11 @@ WireLine QmiPort::packet_line(ConnectionId connection, Direction direction, wire
     entry.word(kind_name(packet->flags))
         .word(service_->message_name(packet->message) + "(" + std::to_string(packet->message) + ")")
         .word("#" + std::to_string(packet->transaction));
-    service_->describe(static_cast<wire::QmiFlags>(packet->flags), packet->message, packet->body, entry);
+    const auto kind = static_cast<wire::QmiFlags>(packet->flags);
+    if (well_formed(packet->body))
+        service_->describe(kind, packet->message, packet->body, entry);
+    else
+        service_->QmiService::describe(kind, packet->message, packet->body, entry);
     return entry;
 }
 

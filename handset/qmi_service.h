@@ -51,16 +51,19 @@ public:
     /// Adds what a fault may choose by, beyond the message.
     virtual void complete(ExchangeKey&, const QmiRequest&) const {}
 
+    virtual void connection_opened(ConnectionId) {}
     virtual void connection_closed(ConnectionId) {}
 
-    /// For the wire log: the message's name, and its body. As long as a service does not decode it, each TLV
-    /// is a field of its own.
+    /// For the wire log: the message's name, and its body, which is well-formed. As long as a service does
+    /// not decode it, each TLV is a field of its own.
     virtual std::string message_name(uint16_t message) const;
     virtual void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const;
 
 protected:
     /// Sends an indication to all that are connected.
     void indicate(uint16_t message, const wire::Bytes& body);
+    /// Sends one to a single connection.
+    void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
 
 private:
     friend class QmiPort;
@@ -71,17 +74,22 @@ private:
 /// The standard result, TLV 0x02; error 0 is success. Further TLVs go behind it.
 wire::Writer qmi_result(uint32_t error = 0);
 
+/// The standard result of an answer, for the wire log. False when there is none.
+bool describe_result(wire::View body, WireLine& line);
+
 class QmiPort : public Port {
 public:
     QmiPort(Handset& handset, std::unique_ptr<QmiService> service);
 
     const QmiService& service() const { return *service_; }
     void indicate(uint16_t message, const wire::Bytes& body);
+    void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
     WireLine packet_line(ConnectionId connection, Direction direction, wire::View packet);
     WireLine no_answer_line(ConnectionId connection, uint16_t transaction);
 
 protected:
     void received(ConnectionId connection, wire::View packet) override;
+    void connection_opened(ConnectionId connection) override { service_->connection_opened(connection); }
     void connection_closed(ConnectionId connection) override { service_->connection_closed(connection); }
 
 private:
