@@ -23,6 +23,9 @@ Profile parse_profile(const std::string& text, const std::string& name) {
         root.object("modem", [&](Section& section) { read_profile(section, profile.modem); });
         root.object("efs", [&](Section& section) { read_profile(section, profile.efs); });
         root.object("cards", [&](Section& section) { read_profile(section, profile.cards); });
+        root.object("statistics", [&](Section& section) { read_profile(section, profile.statistics); });
+        root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
+        root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });
         root.list("faults", kMostFaults,
                   [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
     });

@@ -10,6 +10,9 @@
 #include "fault.h"
 #include "modem_files.h"
 #include "profile_section.h"
+#include "sar_service.h"
+#include "statistics_debug.h"
+#include "statistics_service.h"
 
 namespace handset {
 
@@ -22,6 +25,9 @@ struct Profile {
     ModemProfile modem;
     EfsProfile efs;
     CardsProfile cards;
+    StatisticsProfile statistics;
+    DebugProfile debug;
+    SarProfile sar;
     std::vector<Fault> faults;
 };
 

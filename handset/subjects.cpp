@@ -4,14 +4,20 @@
 #include "extension_service.h"
 #include "handset.h"
 #include "maintenance.h"
+#include "sar_service.h"
+#include "statistics_debug.h"
+#include "statistics_service.h"
 
 namespace handset {
 
 void add_subjects(Handset& handset) {
     handset.add_service(std::make_unique<ExtensionService>(handset));
+    handset.add_service(std::make_unique<StatisticsService>(handset));
+    handset.add_service(std::make_unique<SarService>(handset));
     handset.keep(std::make_shared<Cards>(handset));
     handset.keep(std::make_shared<AtChannel>(handset));
     add_maintenance(handset);
+    add_statistics_debug(handset);
 }
 
 }  // namespace handset

@@ -1,0 +1,25 @@
+// The records of the modem's measurements: which data id holds which fields, how they are packed, and what a
+// handset measures whose profile says nothing. No two default records are alike, so that a value that comes
+// from the wrong place is seen.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "wire.h"
+
+namespace handset {
+
+class Section;
+
+/// Every data id that has a record.
+std::vector<uint32_t> record_ids();
+
+/// The packed record of one of them, with the default measurements of a subscription (0 or 1).
+wire::Bytes default_record(uint32_t id, uint16_t sub);
+
+/// The same with the fields that stand in the section. An id without a record has no bytes and takes no
+/// field.
+wire::Bytes read_record(Section& section, uint32_t id, uint16_t sub);
+
+}  // namespace handset

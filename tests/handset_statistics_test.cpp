@@ -1,0 +1,134 @@
+// The handset's statistics and debug answers as bytes, and what their part of a profile refuses.
+#include "handset_fixture.h"
+
+#include "hex_text.h"
+#include "profile.h"
+
+namespace handset_test {
+namespace {
+
+constexpr uint16_t kFeature = 3;
+constexpr uint16_t kValues = 0x207;
+
+std::string text_of(const std::optional<wire::Bytes>& bytes) {
+    std::string text;
+    if (bytes)
+        handset::append_hex(text, *bytes);
+    return bytes ? text : "none";
+}
+
+struct Wanted {
+    uint16_t sub;
+    std::vector<uint32_t> ids;
+};
+
+wire::Bytes request(const Wanted& wanted) {
+    wire::Writer list;
+    list.u8(static_cast<uint8_t>(wanted.ids.size()));
+    for (const uint32_t id : wanted.ids)
+        list.u16(0).u16(0).u32(id).u16(0);
+    wire::Writer body;
+    body.tlv(0x01, wire::Writer().u16(wanted.sub).data()).tlv(0x02, wire::Writer().u16(9).data());
+    return body.tlv(0x03, list.data()).take();
+}
+
+TEST(HandsetStatistics, AnswersWithPackedRecordsAndWhatTheProfileMakesOfThem) {
+    const TestFolder place;
+    const RunningHandset handset(place, R"({"statistics": {"values": [
+        {"id": 110, "version": 7, "rx_agc_0": 1.5, "rx_agc_1": "-inf"},
+        {"id": 111, "sub": 1, "rx_prx": "nan", "rx_drx": "inf", "length": 6},
+        {"id": 113, "ant_rx_0_new": 255, "ant_tx_1_new": "0xFE", "length": 17},
+        {"id": 100, "ant_switch_path": 65535, "answer_sub": 3, "answer_id": 4294967295, "answer_length": 700},
+        {"id": 500, "raw": "AA BB", "entries": 2},
+        {"id": 94, "entries": 0}]}})");
+    Client client(handset.dir(), "qmi/65509");
+    const std::string ok = "02 04 00 00 00 00 00 10 ";
+    const std::string invalid = "02 04 00 01 00 30 00";
+    const struct {
+        Wanted wanted;
+        std::string answer;
+    } rows[] = {
+        {{0, {110}}, ok + "14 00 01 00 00 00 00 6E 00 00 00 09 00 07 00 00 C0 3F 00 00 80 FF"},
+        {{1, {111}}, ok + "11 00 01 01 00 00 00 6F 00 00 00 06 00 01 00 00 C0 7F 00"},
+        {{0, {113}},
+         ok + "1C 00 01 00 00 00 00 71 00 00 00 11 00 01 00 00 00 00 FF 01 05 02 06 03 07 08 0A 09 FE 00"},
+        {{1, {100}}, ok + "13 00 01 03 00 00 00 FF FF FF FF BC 02 01 05 FF FF 04 02 03 04"},
+        {{0, {500, 94}},
+         ok + "19 00 02 00 00 00 00 F4 01 00 00 02 00 AA BB 00 00 00 00 F4 01 00 00 02 00 AA BB"},
+        {{0, {501}}, ok + "01 00 00"},
+        {{0, {}}, ok + "01 00 00"},
+        {{2, {82}}, invalid},
+        {{0, std::vector<uint32_t>(11, 82)}, invalid},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(text_of(client.exchange(kValues, request(row.wanted))), row.answer);
+
+    wire::Bytes long_list = request({0, {82}});
+    long_list.back() = 1;
+    EXPECT_EQ(text_of(client.exchange(kValues, long_list)), "02 04 00 01 00 01 00");
+    EXPECT_EQ(text_of(client.exchange(kFeature, {})), "02 04 00 01 00 01 00");
+    EXPECT_EQ(text_of(client.exchange(kFeature, {0x01, 4, 0, 2, 0, 0, 0})), "02 04 00 00 00 00 00");
+    EXPECT_EQ(text_of(client.exchange(4, {})), "02 04 00 01 00 47 00");
+}
+
+TEST(HandsetStatistics, PutsEveryLteFieldInItsPlace) {
+    const TestFolder place;
+    std::string fields;
+    wire::Writer expected;
+    expected.u8(0xF1).u8(0xF2).u32(0xF3F4F5F6).u16(0xF7F8).u8(0xF9).u16(0xFAFB);
+    uint32_t half = 0x3F000000;  // 0.5, then each twice the one before
+    double value = 0.5;
+    for (const char* rx : {"rx0", "rx1", "rx2", "rx3"}) {
+        for (const char* quantity : {"rsrp_", "rsrq_", "rssi_", "snr_"}) {
+            fields += std::string(", \"") + quantity + rx + "\": " + std::to_string(value);
+            expected.u32(half);
+            value *= 2;
+            half += 0x00800000;
+        }
+    }
+    const RunningHandset handset(place, R"({"statistics": {"values": [{"id": 108, "sub": 1, "version": "0xF1",
+        "version_ssmr": "0xF2", "earfcn": "0xF3F4F5F6", "pci": "0xF7F8", "is_srv_cell": "0xF9",
+        "rx_valid": "0xFAFB")" + fields + "}]}}");
+    Client client(handset.dir(), "qmi/65509");
+    const auto answer = client.exchange(kValues, request({1, {108}}));
+    ASSERT_TRUE(answer);
+    ASSERT_EQ(expected.size(), 75U);
+    EXPECT_EQ(text_of(wire::Bytes(answer->end() - 75, answer->end())), text_of(expected.data()));
+}
+
+TEST(HandsetStatistics, RefusesAProfileWithItsPlace) {
+    const struct {
+        const char* section;
+        const char* line;
+    } rows[] = {
+        {R"("statistics": {"values": [{"sub": 0}]})", "/statistics/values/0: the key \"id\" is missing"},
+        {R"("statistics": {"values": [{"id": 82, "sub": 2}]})",
+         "/statistics/values/0/sub: expected a whole number from 0 to 1, found 2"},
+        {R"("statistics": {"values": [{"id": 9}]})", "/statistics/values/0: the key \"raw\" is missing"},
+        {R"("statistics": {"values": [{"id": 94, "earfcn": 1}]})",
+         "/statistics/values/0/earfcn: unknown key"},
+        {R"("statistics": {"values": [{"id": 82, "pci": 65536}]})",
+         "/statistics/values/0/pci: expected a whole number from 0 to 65535, found 65536"},
+        {R"("statistics": {"values": [{"id": 94, "rssi0": "low"}]})",
+         "/statistics/values/0/rssi0: expected one of \"nan\", \"inf\", \"-inf\", found \"low\""},
+        {R"("statistics": {"indications": [{}]})",
+         "/statistics/indications/0: the key \"message\" is missing"},
+        {R"("statistics": {"indications": [{"message": "state", "value": 1}]})",
+         "/statistics/indications/0/value: unknown key"},
+        {R"("debug": {"uim": {"init_state": 256}})",
+         "/debug/uim/init_state: expected a whole number from 0 to 255, found 256"},
+        {R"("debug": {"cm": {"log_duration_ms_max": 1}})", "/debug/cm/log_duration_ms_max: unknown key"},
+        {R"("sar": {"dsi": -1})", "/sar/dsi: expected a whole number from 0 to 4294967295, found -1"},
+    };
+    for (const auto& row : rows) {
+        try {
+            handset::parse_profile(std::string("{") + row.section + "}", "p");
+            ADD_FAILURE() << "accepted: " << row.section;
+        } catch (const handset::ProfileError& error) {
+            EXPECT_EQ(error.what(), std::string("p: ") + row.line);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace handset_test
