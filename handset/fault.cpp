@@ -37,7 +37,7 @@ void read_match(Section& section, Fault& fault) {
         return;
     // A service is named, or given by its number.
     std::string name;
-    if (section.is_text("service")) {
+    if (section.is_name("service")) {
         section.text("service", name, 20);
         const auto id = service_id(name);
         if (!id)

@@ -165,6 +165,10 @@ bool Section::is_text(const char* key) const {
     return has(key) && node_.json.at(key).is_string();
 }
 
+bool Section::is_name(const char* key) const {
+    return is_text(key) && !Node::hexadecimal(node_.json.at(key));
+}
+
 void Section::require(const char* key) const {
     if (!has(key))
         node_.refuse(node_.place, std::string("the key \"") + key + "\" is missing");

@@ -34,6 +34,9 @@ public:
     bool has(const char* key) const;
     bool is_text(const char* key) const;
 
+    /// A text that is not a number: what may be given by name or by number has its name.
+    bool is_name(const char* key) const;
+
     /// Refuses the section when the key is absent.
     void require(const char* key) const;
 

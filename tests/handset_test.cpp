@@ -380,7 +380,7 @@ TEST_F(HandsetTest, AFaultMayStrikeAfterTheModemHasActed) {
     const RunningHandset handset(place_, R"({"faults": [
         {"service": 65508, "request": 2, "code": 5, "action": "modem_result", "result": -28},
         {"service": 65508, "request": 2, "code": 5, "action": "no_answer", "acts": true},
-        {"service": 65508, "request": 0, "action": "withdraw", "ms": 300}]})");
+        {"service": "0xFFE4", "request": 0, "action": "withdraw", "ms": 300}]})");
     ExtensionClient client(handset);
     EXPECT_EQ(client.write("/f", "one"), -28);
     EXPECT_EQ(stored("efs/0/f"), std::nullopt);
