@@ -1,5 +1,6 @@
 #include "fault.h"
 
+#include "diag_packet.h"
 #include "qmi_names.h"
 
 namespace handset {
@@ -32,9 +33,9 @@ bool matches(const Fault& fault, const ExchangeKey& key) {
 
 void read_match(Section& section, Fault& fault) {
     section.choice("road", fault.road, {{"qmi", Road::kQmi}, {"diag", Road::kDiag}});
-    section.integer<uint32_t>("message", fault.message, 0, UINT16_MAX);
     if (fault.road == Road::kDiag)
-        return;
+        return read_diag_op(section, "message", fault.message);
+    section.integer<uint32_t>("message", fault.message, 0, UINT16_MAX);
     // A service is named, or given by its number.
     std::string name;
     if (section.is_name("service")) {

@@ -32,7 +32,7 @@ enum class FaultAction {
     kModemResult,  // extension service: the channel succeeds, the modem's own result is given
     kPayload,      // extension service, diag: these bytes as the answer's payload
     kTlvs,         // QMI: these bytes as the answer's TLV area
-    kCut,          // only the first bytes of the answer's TLV area (QMI) or payload (diag)
+    kCut,          // only the first bytes of the answer's TLV area (QMI) or behind its op (diag)
     kClose,        // close the connection instead of answering
     kWithdraw,     // withdraw the service for a time instead of answering
 };

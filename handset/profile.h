@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cards.h"
+#include "diag_profile.h"
 #include "fault.h"
 #include "modem_files.h"
 #include "profile_section.h"
@@ -28,6 +29,7 @@ struct Profile {
     StatisticsProfile statistics;
     DebugProfile debug;
     SarProfile sar;
+    DiagProfile diag;
     std::vector<Fault> faults;
 };
 

@@ -1,6 +1,7 @@
 // What the handset is made of: one line a subject.
 #include "at_channel.h"
 #include "cards.h"
+#include "diag_port.h"
 #include "extension_service.h"
 #include "handset.h"
 #include "maintenance.h"
@@ -16,6 +17,7 @@ void add_subjects(Handset& handset) {
     handset.add_service(std::make_unique<SarService>(handset));
     handset.keep(std::make_shared<Cards>(handset));
     handset.keep(std::make_shared<AtChannel>(handset));
+    handset.add_port(std::make_unique<DiagPort>(handset));
     add_maintenance(handset);
     add_statistics_debug(handset);
 }

@@ -17,9 +17,6 @@ namespace {
 using Outcome = Connection::Outcome;
 
 constexpr std::chrono::seconds kAnswerLimit{5};
-// True on a thread that delivers events, where waiting for the end of a callback would be for ever.
-thread_local bool t_delivers = false;
-
 constexpr int kOpenResult = 1;
 constexpr int kSendFailed = -1;
 constexpr int kDciLost = 1003;
@@ -103,11 +100,6 @@ private:
         const std::lock_guard<std::mutex> lock(mutex_);
         return connection_;
     }
-    /// Returns the one before, to be closed without the lock: its thread may be waiting for that.
-    std::shared_ptr<Connection> set_connection(std::shared_ptr<Connection> next) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return std::exchange(connection_, std::move(next));
-    }
     static std::unique_ptr<Reply> ask(Connection& connection, uint8_t op, const wire::Writer& payload);
     void deliver(wire::Bytes& event);
     void deliver_response(wire::Bytes& event);
@@ -128,7 +120,7 @@ Diag& diag() {
 }
 
 bool Diag::open() {
-    if (t_delivers)
+    if (const auto current = connection(); current && current->is_own_thread())
         return true;
     const std::lock_guard<std::mutex> session(session_mutex_);
     if (is_open())
@@ -143,19 +135,20 @@ bool Diag::open() {
         fresh->close();
         return false;
     }
-    if (const auto lost = set_connection(fresh))
-        lost->close();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    connection_ = fresh;
     return true;
 }
 
 bool Diag::close() {
-    if (t_delivers)
+    if (const auto current = connection(); current && current->is_own_thread())
         return false;
     const std::lock_guard<std::mutex> session(session_mutex_);
-    const auto last = set_connection(nullptr);
+    const auto last = connection();
     if (last)
         last->close();
     const std::lock_guard<std::mutex> lock(mutex_);
+    connection_ = nullptr;
     callbacks_.clear();
     request_ = {};
     streams_ = {};
@@ -191,13 +184,12 @@ void Diag::forget_client(int client) {
         if (streams_.client == client)
             streams_ = {};
     }
-    if (!t_delivers) {
+    const auto current = connection();
+    if (!current || !current->is_own_thread())
         const std::lock_guard<std::mutex> running(dci_callback_mutex_);
-    }
 }
 
 void Diag::deliver(wire::Bytes& event) {
-    t_delivers = true;
     if (event.size() > wire::kDiagPacketMax)
         return;
     if (event[0] == wire::kDiagEventResponse)

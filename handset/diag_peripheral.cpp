@@ -1,0 +1,97 @@
+#include "diag_peripheral.h"
+
+#include <chrono>
+#include <string_view>
+
+namespace handset {
+namespace {
+
+enum Code : uint8_t {
+    kVersion = 0x00,
+    kBadCommand = 0x13,
+    kTime = 0x1D,
+    kLoopBack = 0x7B,
+    kExtendedBuildId = 0x7C,
+};
+
+constexpr struct {
+    Code code;
+    const char* name;
+} kNames[] = {
+    {kVersion, "version"},
+    {kBadCommand, "bad_command"},
+    {kTime, "time"},
+    {kLoopBack, "loop_back"},
+    {kExtendedBuildId, "extended_build_id"},
+};
+
+constexpr uint16_t kModel = 0x0FA5;
+constexpr uint32_t kMsmRevision = 0x000A1B02;
+
+wire::View bytes_of(std::string_view text) {
+    return {text.data(), text.size()};
+}
+
+wire::Bytes version() {
+    wire::Writer answer;
+    answer.u8(kVersion);
+    answer.bytes(bytes_of("Mar 14 2024")).bytes(bytes_of("09:26:53"));  // compiled
+    answer.bytes(bytes_of("Mar 15 2024")).bytes(bytes_of("12:00:00"));  // released
+    answer.bytes(bytes_of("vxk.sim "));                                 // directory of the version
+    answer.u8(0x2A).u8(6).u8(static_cast<uint8_t>(kModel));             // station class, CAI revision, model
+    answer.u16(0x0100).u8(2).u8(1).u8(0);  // firmware revision, slot cycle index, hardware major and minor
+    return answer.take();
+}
+
+wire::Bytes extended_build_id() {
+    constexpr std::string_view kBuild("VXK.SIM.1.0-00042-MODEM-1\0", 26);
+    constexpr std::string_view kModelName("vxk simulated handset\0", 22);
+    wire::Writer answer;
+    answer.u8(kExtendedBuildId).u8(2).u16(0);  // version of the layout, reserved
+    answer.u32(kMsmRevision).u32(kModel);
+    answer.bytes(bytes_of(kBuild)).bytes(bytes_of(kModelName));
+    return answer.take();
+}
+
+// Units of 1.25 ms since 6 January 1980 in the upper 48 bits; the 16 below them divide a unit.
+wire::Bytes time() {
+    using Unit = std::chrono::duration<uint64_t, std::ratio<1, 800>>;
+    constexpr std::chrono::seconds kEpoch(315'964'800);  // since 1970
+    const auto now = std::chrono::system_clock::now().time_since_epoch() - kEpoch;
+    wire::Writer answer;
+    answer.u8(kTime).u64(std::chrono::duration_cast<Unit>(now).count() << 16);
+    return answer.take();
+}
+
+wire::Bytes bad_command(wire::View command) {
+    wire::Writer answer;
+    answer.u8(kBadCommand).bytes(command);
+    return answer.take();
+}
+
+}  // namespace
+
+wire::Bytes answer_diag_command(wire::View command) {
+    switch (wire::Reader(command).u8()) {
+        case kVersion:
+            return version();
+        case kTime:
+            return time();
+        case kLoopBack:
+            return command.copy();
+        case kExtendedBuildId:
+            return extended_build_id();
+        default:
+            return bad_command(command);
+    }
+}
+
+const char* diag_code_name(wire::View message) {
+    for (const auto& entry : kNames) {
+        if (message.size > 0 && message.data[0] == entry.code)
+            return entry.name;
+    }
+    return nullptr;
+}
+
+}  // namespace handset

@@ -1,0 +1,122 @@
+#include "diag_profile.h"
+
+#include <numeric>
+#include <string>
+#include <utility>
+
+#include "diag_packet.h"
+
+namespace handset {
+namespace {
+
+constexpr uint32_t kLongestTimeMs = 600'000;
+constexpr size_t kMostEntries = 1000;
+constexpr size_t kMostPieces = 100;
+
+// With the event and the processor in front of it, it is one packet.
+constexpr uint32_t kLongestContent = wire::kDiagPacketMax - 2;
+
+void read_time(Section& section, const char* key, std::chrono::milliseconds& time) {
+    auto number = static_cast<uint32_t>(time.count());
+    section.integer<uint32_t>(key, number, 0, kLongestTimeMs);
+    time = std::chrono::milliseconds(number);
+}
+
+// Bytes that show where a piece of them belongs: 251 of them do not divide any likely size.
+wire::Bytes filling(size_t size) {
+    wire::Bytes bytes;
+    for (size_t i = 0; i < size; ++i)
+        bytes.push_back(static_cast<uint8_t>(1 + i % 251));
+    return bytes;
+}
+
+std::optional<wire::Bytes> read_content(Section& section) {
+    std::optional<uint32_t> size;
+    section.integer<uint32_t>("size", size, 0, kLongestContent);
+    if (!section.has("bytes"))
+        return size ? std::optional(filling(*size)) : std::nullopt;
+    if (size)
+        section.fail("size", "the bytes are given already");
+    wire::Bytes bytes;
+    section.bytes("bytes", bytes, kLongestContent);
+    return bytes;
+}
+
+void read_timing(Section& section, DiagTiming& timing) {
+    read_time(section, "delay_ms", timing.delay);
+    read_time(section, "gap_ms", timing.gap);
+    section.boolean("before_answer", timing.before_answer);
+}
+
+void read_pieces(Section& section, DiagResponse& response) {
+    section.integers("pieces", response.pieces, kMostPieces, kLongestContent);
+    if (response.pieces.empty())
+        return;
+    const auto total = std::accumulate(response.pieces.begin(), response.pieces.end(), uint64_t{0});
+    if (total > kLongestContent)
+        section.fail("pieces", "more than " + std::to_string(kLongestContent) + " bytes together");
+    if (!response.bytes)
+        response.bytes = filling(total);
+    if (total != response.bytes->size())
+        section.fail("pieces", std::to_string(total) + " bytes together, but the response has " +
+                                   std::to_string(response.bytes->size()));
+}
+
+void read_response(Section& section, DiagResponse& response) {
+    section.bytes("command", response.command, kLongestContent);
+    read_timing(section, response.timing);
+    section.boolean("silent", response.silent);
+    section.integer("processor", response.processor);
+    response.bytes = read_content(section);
+    read_pieces(section, response);
+}
+
+void read_event(Section& section, uint8_t& event) {
+    section.require("event");
+    if (!section.is_name("event"))
+        return section.integer<uint8_t>("event", event, 0, wire::kDiagAnswer - 1);
+    std::string name;
+    section.text("event", name, 20);
+    const auto number = diag_event(name);
+    if (!number)
+        section.fail("event", "no event has this name");
+    event = *number;
+}
+
+void read_stream(Section& section, DiagStream& stream) {
+    read_event(section, stream.event);
+    std::optional<uint32_t> after;
+    read_diag_op(section, "after", after);
+    stream.after = static_cast<uint8_t>(after.value_or(stream.after));
+    stream.bytes = read_content(section).value_or(wire::Bytes());
+    read_time(section, "delay_ms", stream.delay);
+    read_time(section, "every_ms", stream.every);
+    section.integer<uint32_t>("count", stream.count, 1);
+}
+
+void read_results(Section& section, std::map<uint8_t, int32_t>& results) {
+    for (uint8_t number = 1; number <= kDiagOps; ++number) {
+        const DiagOp& op = *diag_op(number);
+        int32_t result = op.done;
+        section.integer(op.name, result);
+        results[number] = result;
+    }
+}
+
+}  // namespace
+
+void read_profile(Section& section, DiagProfile& diag) {
+    section.integer("remote_mask", diag.remote_mask);
+    section.boolean("mpss_up", diag.mpss_up);
+    section.object("results", [&diag](Section& results) { read_results(results, diag.results); });
+    read_timing(section, diag.timing);
+    section.list("responses", kMostEntries, [&diag](Section& entry) {
+        DiagResponse& response = diag.responses.emplace_back();
+        response.timing = diag.timing;
+        read_response(entry, response);
+    });
+    section.list("streams", kMostEntries,
+                 [&diag](Section& entry) { read_stream(entry, diag.streams.emplace_back()); });
+}
+
+}  // namespace handset
