@@ -33,13 +33,15 @@ bool debug_copies_are_on() {
 
 using SystemLog = void (*)(const char* fmt, ...);
 
-void copy_to_system_log(SystemLog log, const KelvraLogSite& site, const char* fmt, va_list args) {
+__attribute__((format(printf, 3, 0))) void copy_to_system_log(SystemLog log, const KelvraLogSite& site,
+                                                              const char* fmt, va_list args) {
     char message[kSystemLogMax];
     vsnprintf(message, sizeof message, fmt, args);
     log("SUB[%s][%s:%d] %s: %s", "shell", site.unit, site.line, site.function, message);
 }
 
-void print_to_console(const KelvraLogSite& site, const char* fmt, va_list args) {
+__attribute__((format(printf, 2, 0))) void print_to_console(const KelvraLogSite& site, const char* fmt,
+                                                            va_list args) {
     flockfile(stdout);
     printf("RIL[%s:%d]: ", site.function, site.line);
     vprintf(fmt, args);

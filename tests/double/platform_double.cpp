@@ -30,7 +30,7 @@ std::atomic<int> g_threads{0};  // created by the code under test and not over
 
 using Lock = std::lock_guard<std::mutex>;
 
-std::string formatted(const char* fmt, va_list args) {
+__attribute__((format(printf, 1, 0))) std::string formatted(const char* fmt, va_list args) {
     char text[20000];
     vsnprintf(text, sizeof text, fmt, args);
     return text;
