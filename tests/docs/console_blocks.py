@@ -1,0 +1,67 @@
+#!/usr/bin/python3
+"""Turns the examples of a document into a transcript test: what a reader would type must print what the document shows.
+
+usage: console_blocks.py DOCUMENT.md
+
+Each ```console block is a piece of one shell session: lines behind "$ " are typed, the others are printed. Each ```json block
+must be a profile that a handset boots with. In output, "..." stands for any lines; numbers that differ from run to run (source
+lines, processes, times) are matched by their shape.
+"""
+import re
+import sys
+
+VARYING = [
+    (r"RIL\\\[([^:]+):\d+\\\]", r"RIL\\[\1:\\d+\\]"),
+    (r"process \d+", r"process \\d+"),
+    (r"\d\d\\-\d\d \d\d:\d\d:\d\d\\\.\d\d\d", r"\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d"),
+    (r"/tmp/vxk\\-handset\\\.\w+", r"/tmp/vxk-handset\\.\\w+"),
+    (r"\(\d+\.\d+ s\)", r"\\(\\d+\\.\\d+ s\\)"),
+]
+
+
+def expected(line):
+    """The transcript's form of one line of output."""
+    pattern = re.escape(line)
+    for shape, general in VARYING:
+        pattern = re.sub(shape, general, pattern)
+    return line if pattern == re.escape(line) else pattern + " (re)"
+
+
+def transcript(document):
+    """Yields the lines of the test."""
+    yield "Examples of a document."
+    yield ""
+    yield "  $ set -o pipefail"
+    yield '  $ mkdir work && cd work && ln -s "$VXK_BUILD" build'
+    yield "  $ exec 2> ../errors"
+    profiles = 0
+    kind = None
+    block = []
+    for line in document.splitlines():
+        if kind is None:
+            opening = re.fullmatch(r"```(console|json)", line)
+            if opening:
+                kind, block = opening.group(1), []
+            continue
+        if line != "```":
+            block.append(line)
+            continue
+        yield ""
+        if kind == "json":
+            profiles += 1
+            yield f"  $ cat > profile{profiles}.json << 'END'"
+            yield from ("  > " + text for text in block)
+            yield "  > END"
+            yield f"  $ vxk-handset run --profile profile{profiles}.json -- true"
+        else:
+            for text in block:
+                yield "  " + (text if text.startswith(("$ ", "> ")) else expected(text))
+        kind = None
+    # Two handsets at once cannot both have the AT device, and say so.
+    yield ""
+    yield "  $ grep -v /dev/smd8 ../errors"
+    yield "  [1]"
+
+
+for out in transcript(open(sys.argv[1], encoding="utf-8").read()):
+    print(out)
