@@ -171,6 +171,26 @@ TEST_F(DiagClient, DeliversEventsInOrder) {
     EXPECT_EQ(sent.get(), 1001);
 }
 
+// A callback that uses the library itself.
+int use_library(unsigned char*, int, void*) {
+    unsigned char byte = 3;
+    note(Diag_LSM_DeInit() ? "closed" : "open", &byte, diag_callback_send_data(0, &byte, 1));
+    int client = 4;
+    note("released", &byte, diag_release_dci_client(&client) == 1001 ? 1 : 0);
+    return 0;
+}
+
+TEST_F(DiagClient, CallbacksMayUseIt) {
+    open();
+    diag_register_callback(use_library, nullptr);
+    peer->send({0x40, 0});
+    EXPECT_EQ(peer->receive(), (Bytes{4, 0, 0, 0, 0, 3}));
+    peer->send({0x84, 1, 0, 0, 0});
+    EXPECT_EQ(peer->receive(), (Bytes{10, 4, 0, 0, 0}));
+    peer->send({0x8a, 0xe9, 3, 0, 0});
+    EXPECT_THAT(calls(2), ElementsAre("open 3", "released 3"));
+}
+
 TEST_F(DiagClient, LosesItsConnection) {
     open();
     diag_register_callback(on_response, &zero);

@@ -189,6 +189,24 @@ TEST_F(QmiClient, DeliversIndicationsOnOneThreadInOrder) {
     EXPECT_EQ(callbacks.thread.load(), thread);
 }
 
+TEST_F(QmiClient, SurvivesMoreIndicationsThanItDelivers) {
+    connect();
+    peer->send(indication(6, {}));
+    auto result = ask_in_thread(&response);
+    const Bytes request = peer->receive();
+    constexpr size_t kFlood = 1000;
+    std::thread flood([&] {
+        for (size_t i = 0; i < kFlood; ++i)
+            peer->send(indication(1, {}));
+        peer->send(answer_to(request, sar_body(1)));
+    });
+    EXPECT_EQ(result.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    callbacks.hold.set_value();
+    flood.join();
+    EXPECT_EQ(result.get(), 0);
+    EXPECT_TRUE(callbacks.wait_for(1 + kFlood));
+}
+
 TEST_F(QmiClient, OverlappingRequestsGetTheirOwnAnswers) {
     connect();
     constexpr size_t kCount = 4;

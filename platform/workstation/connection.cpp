@@ -16,6 +16,9 @@ namespace {
 
 thread_local const Connection* t_own_connection = nullptr;
 
+// A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
+constexpr size_t kEventsMax = 256;
+
 using Milliseconds = std::chrono::milliseconds;
 
 Milliseconds left_until(Clock::time_point deadline) {
@@ -143,7 +146,8 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
     while (!request.is_answered && !has_ended_ && !is_closed_ && !is_late) {
         if (!reader_)
             start_reading(request);
-        if (reader_ == &request) {
+        const bool must_wait = events_.size() >= kEventsMax && !is_own_thread();
+        if (reader_ == &request && !must_wait) {
             lock.unlock();
             const ssize_t size = receive_until(deadline);
             lock.lock();
@@ -261,6 +265,7 @@ void Connection::run() {
         if (!events_.empty()) {
             wire::Bytes event = std::move(events_.front());
             events_.pop_front();
+            changed_.notify_all();
             lock.unlock();
             on_event_(event);
             lock.lock();

@@ -17,6 +17,9 @@ namespace {
 using Outcome = Connection::Outcome;
 
 constexpr std::chrono::seconds kAnswerLimit{5};
+// True on a thread that delivers events, where waiting for the end of a callback would be for ever.
+thread_local bool t_delivers = false;
+
 constexpr int kOpenResult = 1;
 constexpr int kSendFailed = -1;
 constexpr int kDciLost = 1003;
@@ -100,6 +103,11 @@ private:
         const std::lock_guard<std::mutex> lock(mutex_);
         return connection_;
     }
+    /// Returns the one before, to be closed without the lock: its thread may be waiting for that.
+    std::shared_ptr<Connection> set_connection(std::shared_ptr<Connection> next) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return std::exchange(connection_, std::move(next));
+    }
     static std::unique_ptr<Reply> ask(Connection& connection, uint8_t op, const wire::Writer& payload);
     void deliver(wire::Bytes& event);
     void deliver_response(wire::Bytes& event);
@@ -120,7 +128,7 @@ Diag& diag() {
 }
 
 bool Diag::open() {
-    if (const auto current = connection(); current && current->is_own_thread())
+    if (t_delivers)
         return true;
     const std::lock_guard<std::mutex> session(session_mutex_);
     if (is_open())
@@ -135,20 +143,19 @@ bool Diag::open() {
         fresh->close();
         return false;
     }
-    const std::lock_guard<std::mutex> lock(mutex_);
-    connection_ = fresh;
+    if (const auto lost = set_connection(fresh))
+        lost->close();
     return true;
 }
 
 bool Diag::close() {
-    if (const auto current = connection(); current && current->is_own_thread())
+    if (t_delivers)
         return false;
     const std::lock_guard<std::mutex> session(session_mutex_);
-    const auto last = connection();
+    const auto last = set_connection(nullptr);
     if (last)
         last->close();
     const std::lock_guard<std::mutex> lock(mutex_);
-    connection_ = nullptr;
     callbacks_.clear();
     request_ = {};
     streams_ = {};
@@ -184,12 +191,13 @@ void Diag::forget_client(int client) {
         if (streams_.client == client)
             streams_ = {};
     }
-    const auto current = connection();
-    if (!current || !current->is_own_thread())
+    if (!t_delivers) {
         const std::lock_guard<std::mutex> running(dci_callback_mutex_);
+    }
 }
 
 void Diag::deliver(wire::Bytes& event) {
+    t_delivers = true;
     if (event.size() > wire::kDiagPacketMax)
         return;
     if (event[0] == wire::kDiagEventResponse)

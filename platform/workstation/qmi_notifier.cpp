@@ -35,19 +35,14 @@ bool is_published(uint32_t service_id) {
     return static_cast<bool>(connect_to(qmi_socket_path(service_id)));
 }
 
-/// `last` is what was seen before: a socket that was listened to and is still the same is not asked again, so
-/// that a waiting client does not keep the handset busy.
+/// Nothing, or the service that is published. `last` is what was seen before: a socket that was listened to
+/// and is still the same is not asked again, so that a waiting client does not keep the handset busy.
 Sight look_at(uint32_t service_id, const Sight& last) {
-    Sight sight;
     struct stat status;
     if (stat(qmi_socket_path(service_id).c_str(), &status) != 0)
-        return sight;
-    sight.file = status.st_ino;
-    sight.made = status.st_ctim;
-    sight.is_published = true;
-    if (!(sight == last))
-        sight.is_published = is_published(service_id);
-    return sight;
+        return {};
+    const Sight sight{true, status.st_ino, status.st_ctim};
+    return sight == last || is_published(service_id) ? sight : Sight{};
 }
 
 /// A signal is known by its address: it is set when a look tells something else than the last one, and
@@ -63,8 +58,7 @@ class Notifiers {
 public:
     qmi_client_type add(uint32_t service_id, const qmi_client_os_params* signal) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        notifiers_.push_back(
-            std::make_unique<Notifier>(Notifier{service_id, signal, look_at(service_id, {})}));
+        notifiers_.push_back(std::make_unique<Notifier>(Notifier{service_id, signal, {}}));
         return notifiers_.back().get();
     }
 
@@ -78,7 +72,8 @@ public:
         return true;
     }
 
-    /// True when any service of `signal` may have changed since the last call.
+    /// True when any service of `signal` may have changed since the last call; before the first, none was
+    /// there.
     bool have_changed(const qmi_client_os_params* signal) {
         const std::lock_guard<std::mutex> lock(mutex_);
         bool any = false;
