@@ -71,6 +71,8 @@ void Cards::set_present(uint32_t slot, bool present) {
     handset_.log_event("card of " + slot_name(slot) + (present ? " pushed" : " pulled"));
     for (const auto& action : change_actions_)
         action(slot);
+    // A card may go while nobody speaks to the modem.
+    handset_.wire_log().flush();
 }
 
 CommonAnswer Cards::status_of(const CommonRequest& request) const {

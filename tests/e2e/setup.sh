@@ -3,6 +3,7 @@
 # Boots a handset in a fresh folder. With an argument, that is the profile's JSON.
 boot() {
     halt
+    asked_until=0
     export VXK_HANDSET_DIR="$CRAMTMP/h$((++handsets))"
     local profile=()
     if [ $# -gt 0 ]; then
@@ -22,6 +23,12 @@ halt() {
     handset=
 }
 
+# Kills the handset, which leaves everything as it is at that moment.
+crash() {
+    { kill -9 "$handset"; wait "$handset"; } 2>/dev/null
+    handset=
+}
+
 # The tool, with the source lines of its log messages masked. `command vxk` shows them.
 vxk() {
     local status=0
@@ -34,8 +41,37 @@ vxk() {
 answer() { vxk "$@" | grep -avE '^(RIL\[|KELVRA_QMI_NV: |QMI client inited|kelvra_extend_qmi_)' || true; }
 
 # What a script wants to know of the handset's state.
-property() { cat "$VXK_HANDSET_DIR/properties/$1" 2>/dev/null || echo "(unset)"; }
+property() { printf '%s\n' "$(cat "$VXK_HANDSET_DIR/properties/$1" 2>/dev/null || echo "(unset)")"; }
 efs() { od -An -v -tx1 "$VXK_HANDSET_DIR/efs/$1" 2>/dev/null || echo "(no file)"; }
+
+set_property() { printf %s "$2" > "$VXK_HANDSET_DIR/properties/$1"; }
+
+# What the modem's extension service was asked since the last call, byte for byte.
+asked() {
+    local log="$VXK_HANDSET_DIR/log/wire.log"
+    sed -nE "$((asked_until + 1)),\$ s/^.* qmi\/extension [0-9]+ -> request [^#]*#[0-9]+ //p" "$log"
+    asked_until=$(wc -l < "$log")
+}
+
+# What the handset shows of one subject.
+show() { vxk-handset show | sed -n "/^$1$/,/^$/p"; }
+
+# Waits until the modem has come back from its n-th restart.
+restarted() { eventually test_count "qmi/extension - -- published" $(($1 + 1)); }
+test_count() { [ "$(grep -c -- "$1" "$VXK_HANDSET_DIR/log/wire.log")" -ge "$2" ]; }
+
+# Cuts the help from the end of the tool's output.
+helpless() { sed '/^=========== blew: /,$d'; }
+
+# Waits until a command succeeds.
+eventually() {
+    local try
+    for try in {1..400}; do
+        "$@" > /dev/null 2>&1 && return
+        sleep 0.05
+    done
+    echo "not within 20 s: $*"
+}
 
 handsets=0
 # The device of that name is the machine's, not a test's.

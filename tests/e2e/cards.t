@@ -1,0 +1,194 @@
+Card slots: status, type, and the hot-swap test.
+
+  $ . "$TESTDIR/setup.sh"
+  $ boot
+  $ vxk 5 1
+  kelvra_cmn_card_status_query
+  param(cnt: 0):
+  
+  kelvra_cmn_cmd_send, t: 39, l: 0
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 27 00 00 00 04 00 00 00 01 00 00 00
+  $ answer 5 2 1
+  
+  param(cnt: 1):
+   1
+  kelvra_cmn_cmd_send, t: 55, l: 4
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 37 00 00 00 04 00 00 00 01 00 00 00
+  $ answer 5 3 0 2 5
+  
+  param(cnt: 3):
+   0 1 1
+  kelvra_cmn_cmd_send, t: 57, l: 12
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 39 00 00 00 04 00 00 00 01 00 00 00
+  $ grep -o 'SUB.shell..kelvra_qmi_test_cmn.*' "$VXK_HANDSET_DIR/log/system.log"
+  SUB[shell][kelvra_qmi_test_cmn:403] kelvra_cmn_card_status_get: kelvra_cmn_card_status_get
+  SUB[shell][kelvra_qmi_test_cmn:409] kelvra_cmn_card_status_set: kelvra_cmn_card_status_set
+  $ answer 5 4
+  kelvra_cmn_card_type_query
+  param(cnt: 0):
+  
+  kelvra_cmn_cmd_send, t: 56, l: 0
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 38 00 00 00 04 00 00 00 02 00 00 00
+  $ asked
+  id=4 data_len=512 form="tlv" code=39 value=[] data=[02 00 00 00 00 00 00 00 27 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=55 value=[01 00 00 00] data=[02 00 00 00 00 00 00 00 37 00 00 00 04 00 00 00 01 (+495 zero)]
+  id=4 data_len=512 form="tlv" code=57 value=[00 00 00 00 01 00 00 00 01 00 00 00] data=[02 00 00 00 00 00 00 00 39 00 00 00 0C 00 00 00 00 00 00 00 01 00 00 00 01 (+487 zero)]
+  id=4 data_len=512 form="tlv" code=56 value=[] data=[02 00 00 00 00 00 00 00 38 (+503 zero)]
+
+The card of a slot is pulled and pushed by its detect line's level.
+
+  $ answer 5 3 0 1 0
+  
+  param(cnt: 3):
+   0 1 0
+  kelvra_cmn_cmd_send, t: 57, l: 12
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 39 00 00 00 04 00 00 00 00 00 00 00
+  $ answer 5 2 0
+  
+  param(cnt: 1):
+   0
+  kelvra_cmn_cmd_send, t: 55, l: 4
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 37 00 00 00 04 00 00 00 00 00 00 00
+  $ show cards
+  cards
+    slot 1  empty
+    slot 2  card
+  
+  $ answer 5 3 0 1 7 | tail -1
+  data: 39 00 00 00 04 00 00 00 01 00 00 00
+
+The hot-swap test runs in the background, as often as asked.
+
+  $ answer 5 6 1 0 0 3
+  kelvra_cmn_card_hotswap_test
+  opt: 1
+  param(cnt: 4):
+   1 0 0 3
+  kelvra_cmn_cmd_send, t: 80, l: 16
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 50 00 00 00 04 00 00 00 01 00 00 00
+  $ eventually test_count 'card of slot 1 pushed' 4
+  $ grep -o 'modem - -- card .*' "$VXK_HANDSET_DIR/log/wire.log"
+  modem - -- card of slot 1 pulled
+  modem - -- card of slot 1 pushed
+  modem - -- card of slot 1 pulled
+  modem - -- card of slot 1 pushed
+  modem - -- card of slot 1 pulled
+  modem - -- card of slot 1 pushed
+  modem - -- card of slot 1 pulled
+  modem - -- card of slot 1 pushed
+
+Started with waits, it goes on behind the tool; stopped, it puts the card back.
+
+  $ answer 5 6 1 5 5 3
+  kelvra_cmn_card_hotswap_test
+  opt: 1
+  param(cnt: 4):
+   1 5 5 3
+  kelvra_cmn_cmd_send, t: 80, l: 16
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 50 00 00 00 04 00 00 00 01 00 00 00
+  $ eventually test_count "card of slot 1 pulled" 5
+  $ answer 5 6 0
+  kelvra_cmn_card_hotswap_test
+  opt: 0
+  kelvra_cmn_cmd_send, t: 80, l: 4
+  result = 0, rsp.result = 0
+  
+  data len(12)
+  data: 50 00 00 00 04 00 00 00 00 00 00 00
+  $ show cards
+  cards
+    slot 1     card
+    slot 2     card
+    hot-swaps  0 of 3
+  
+  $ asked | grep 'code=80'
+  id=4 data_len=512 form="tlv" code=80 value=[01 00 00 00 00 00 00 00 00 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 03 (+483 zero)]
+  id=4 data_len=512 form="tlv" code=80 value=[01 00 00 00 05 00 00 00 05 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 05 00 00 00 05 00 00 00 03 (+483 zero)]
+  id=4 data_len=512 form="tlv" code=80 value=[00 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 04 (+499 zero)]
+
+A handset with one slot, and one without; a modem that refuses is no error of the command.
+
+  $ boot '{"cards": {"slots": [{"present": false}]}}'
+  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 2 0 | tail -1; answer 5 2 1
+  data: 27 00 00 00 04 00 00 00 00 00 00 00
+  data: 38 00 00 00 04 00 00 00 01 00 00 00
+  data: 37 00 00 00 04 00 00 00 00 00 00 00
+  
+  param(cnt: 1):
+   1
+  kelvra_cmn_cmd_send, t: 55, l: 4
+  result = 0, rsp.result = -22
+  rsp.result fail
+  $ boot '{"cards": {"slots": []}}'
+  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 6 1 1 1 1
+  data: 27 00 00 00 04 00 00 00 00 00 00 00
+  data: 38 00 00 00 04 00 00 00 00 00 00 00
+  kelvra_cmn_card_hotswap_test
+  opt: 1
+  param(cnt: 4):
+   1 1 1 1
+  kelvra_cmn_cmd_send, t: 80, l: 16
+  result = 0, rsp.result = -22
+  rsp.result fail
+
+Wrong numbers of inputs send nothing.
+
+  $ vxk 5 2 | helpless
+  RIL[kelvra_cmn_card_status_get:#]: kelvra_cmn_card_status_get
+  
+  
+  note: need 4 inputs, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  $ vxk 5 1 x | helpless
+  kelvra_cmn_card_status_query
+  
+  note: need 3 inputs, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  $ vxk 5 6 | helpless
+  kelvra_cmn_card_hotswap_test
+  
+  note: need 4 inputs at least, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  $ vxk 5 6 1 5 | helpless
+  kelvra_cmn_card_hotswap_test
+  opt: 1
+  
+  note: need 7 inputs, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  

@@ -1,0 +1,358 @@
+Restart, dump, NV sync, print switches and antenna configurations.
+
+  $ . "$TESTDIR/setup.sh"
+  $ level=persist.vendor.ssr.restart_level
+
+A restart: the level is opened for it and put back. The modem is away for two seconds; the next command waits for
+it and succeeds.
+
+  $ boot '{"modem": {"restart_ms": 2000}}'
+  $ set_property persist.radio.ssr_wait_s 0
+  $ vxk 11 0
+  RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: ALL_DISABLE
+  
+  RIL[kelvra_smart_test_modem_ssr:#]: need to open ssr
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 0
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr will not wait
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 31
+  RIL[kelvra_send_common_qmi_msg:#]: l 4
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 0
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr will not wait
+  
+  RIL[kelvra_smart_test_modem_ssr:#]: back to old ssr state
+  
+  $ property $level
+  ALL_DISABLE
+  $ away() { ! test -S "$VXK_HANDSET_DIR/qmi/65508"; }; eventually away
+  $ vxk 11 2 2>/dev/null
+  RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 35
+  RIL[kelvra_send_common_qmi_msg:#]: l 0
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  $ asked
+  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  $ show modem; show maintenance
+  modem
+    state     up
+    restarts  1
+  
+  maintenance
+    nv syncs  1
+  
+
+With a wait, there is one before the request and one behind it.
+
+  $ boot '{"modem": {"restart_ms": 0}}'
+  $ set_property persist.radio.ssr_wait_s 1
+  $ set_property $level odd
+  $ vxk 11 0 | grep -E '^RIL.kelvra_smart|^$'
+  RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: odd
+  
+  RIL[kelvra_smart_test_modem_ssr:#]: need to open ssr
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 1
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr start to wait 1s to init
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr end to wait 1s to init
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 1
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr start to wait 1s to init
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr end to wait 1s to init
+  
+  RIL[kelvra_smart_test_modem_ssr:#]: back to old ssr state
+  
+  $ property $level
+  odd
+
+A full dump: the first counts the change of the level and keeps the old one for ever; the second finds nothing to
+change. The handset reboots each time.
+
+  $ boot '{"modem": {"restart_ms": 0}}'
+  $ set_property persist.radio.ssr_wait_s 0
+  $ vxk 11 1
+  RIL[kelvra_smart_test_full_dump:#]: need to save ssr state
+  
+  RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_ENABLE, the default state: 
+  
+  RIL[kelvra_smart_test_full_dump:#]: need to close ssr
+  
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 44
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/kelvra/ssr_update_count
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
+  RIL[kelvra_efs_read:#]: qmi response fail
+  RIL[kelvra_smart_test_read_ssr_update_flag:#]: PROP_MODEM_SSR_UPDATE_COUNT read ret: -2, old update_cnt: 0, len: 0
+  RIL[kelvra_smart_test_read_ssr_update_flag:#]: kelvra_efs_read failed, maybe empty
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 44, buf_len: 4
+  RIL[kelvra_efs_write:#]: path_value: /nv/item_files/modem/kelvra/ssr_update_count
+  RIL[kelvra_efs_write:#]: send_num(4)
+  RIL[kelvra_efs_write:#]: left_num(4)
+  RIL[kelvra_efs_write:#]: data_len_all = 4, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 4
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
+  RIL[kelvra_smart_test_save_ssr_update_flag:#]: PROP_MODEM_SSR_UPDATE_COUNT write ret: 0, new update_cnt: 1
+  RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 0
+  
+  RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr will not wait
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 31
+  RIL[kelvra_send_common_qmi_msg:#]: l 4
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  $ restarted 1
+  $ vxk 11 1
+  RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_DISABLE, the default state: ALL_ENABLE
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 31
+  RIL[kelvra_send_common_qmi_msg:#]: l 4
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  $ restarted 2
+  $ asked
+  id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" offset=0 data=[04 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 (+463 zero)]
+  id=2 data_len=512 command="efs_write" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" total=4 offset=0 chunk=4 data=[05 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 01 (+423 zero)]
+  id=4 data_len=512 form="tlv" code=31 value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=31 value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
+  $ property $level; property ${level}_bak; efs 0/nv/item_files/modem/kelvra/ssr_update_count
+  ALL_DISABLE
+  ALL_ENABLE
+   01 00 00 00
+  $ cat "$VXK_HANDSET_DIR"/dump/*
+  full dump 1 after 0 restarts since the handset was started
+  full dump 2 after 1 restarts since the handset was started
+  $ show maintenance
+  maintenance
+    full dumps  2
+    reboots     2
+  
+
+At any other level the modem restarts alone. A request of no known kind, or cut short, does nothing.
+
+  $ boot '{"modem": {"restart_ms": 0}}'
+  $ set_property $level ALL_ENABLE
+  $ for kind in '4 0 0 0 0 0x40 0 0' '3 0 0 0 0 0x20 0' '4 0 0 0 0 0x20 0 0'; do
+  >     vxk 6 4 2 0 0 0 0 0 0 0 31 0 0 0 $kind > /dev/null
+  > done
+  $ restarted 1
+  $ show modem; show maintenance; ls "$VXK_HANDSET_DIR/dump" 2>/dev/null
+  modem
+    state     up
+    restarts  1
+  
+  [2]
+
+Print switches: on, off, and off once more, which finds no file.
+
+  $ boot '{"modem": {"restart_ms": 0}, "efs": {"read_only": ["/nv/item_files/modem/kelvra/rf_print_mask"]}}'
+  $ set_property $level ALL_ENABLE
+  $ vxk 11 4 1
+  bp_kolvo_print, opt = 1
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 23, buf_len: 4
+  RIL[kelvra_efs_write:#]: path_value: /kolvo/kolvo_print_mask
+  RIL[kelvra_efs_write:#]: send_num(4)
+  RIL[kelvra_efs_write:#]: left_num(4)
+  RIL[kelvra_efs_write:#]: data_len_all = 4, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 4
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
+  RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 35
+  RIL[kelvra_send_common_qmi_msg:#]: l 0
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: ALL_ENABLE
+  
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 31
+  RIL[kelvra_send_common_qmi_msg:#]: l 4
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  success, pls wait 10 seconds 
+  $ restarted 1; efs 0/kolvo/kolvo_print_mask
+   1f 00 00 00
+  $ answer 11 4 0
+  bp_kolvo_print, opt = 0
+  
+  
+  success, pls wait 10 seconds 
+  $ restarted 2; efs 0/kolvo/kolvo_print_mask
+  (no file)
+  $ answer 11 4 0
+  bp_kolvo_print, opt = 0
+  kelvra_efs_delete failed
+  $ asked
+  id=2 data_len=512 command="efs_write" sub=0 path="/kolvo/kolvo_print_mask" total=4 offset=0 chunk=4 data=[05 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 1F (+423 zero)]
+  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
+  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
+  $ answer 11 5 1
+  bp_qmi_print, opt = 1
+  
+  
+  success, pls wait 10 seconds 
+  $ restarted 3; efs 0/nv/item_files/modem/kelvra/qmi_print_flag
+   01
+  $ answer 11 6 1
+  bp_rf_print, opt = 1
+  kelvra_efs_write failed
+  $ vxk 11 3 1; property persist.vendor.radio.print_stats
+  ap_kolvo_print, opt = 1
+  success, need to reboot
+  1
+  $ vxk 11 3 0; property persist.vendor.radio.print_stats
+  ap_kolvo_print, opt = 0
+  success, need to reboot
+  2
+  $ show maintenance
+  maintenance
+    nv syncs  3
+  
+
+Antenna configurations: the modem keeps them in two files.
+
+  $ boot
+  $ vxk 3 1 | helpless
+  kelvra_gpio_test_get
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 47
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/kelvra/rf_ant_port_config
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
+  RIL[kelvra_efs_read:#]: qmi response fail
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  note: Error happen! error_code(-2)
+  
+  $ answer 3 0 5 -1 0x7
+  kelvra_gpio_test_set
+  kelvra_gpio_test_set, gpio_v[0]: 5
+  kelvra_gpio_test_set, gpio_v[1]: -1
+  kelvra_gpio_test_set, gpio_v[2]: 0
+  $ answer 3 1
+  kelvra_gpio_test_get
+  
+  data len(16)
+  data:  03 00 00 00 05 00 00 00 FF FF FF FF 00 00 00 00
+  $ answer 3 3 1 4 0x80
+  kelvra_rf_tx_test_set, argc(6)
+   v_ant(1)
+   v_sys(4)
+   v_band_list(128)
+  $ answer 3 3 0 4 0x80000000000
+  kelvra_rf_tx_test_set, argc(6)
+   v_ant(0)
+   v_sys(4)
+   v_band_list(8796093022208)
+  $ vxk 3 4
+  kelvra_rf_tx_test_get
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 43
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/antenna/ant_tx_config
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:36
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = 0
+  RIL[kelvra_efs_read:#]: data_len_all = 16, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 16
+  
+  data len(16)
+  data:  00 00 00 00 04 00 00 00 00 00 00 00 00 08 00 00
+  $ answer 3 2; answer 3 5; answer 3 5 | helpless
+  kelvra_gpio_test_closed
+  kelvra_rf_tx_test_closed
+  kelvra_rf_tx_test_closed
+  
+  note: Error happen! error_code(-2)
+  
+  $ asked
+  id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
+  id=4 data_len=512 form="gpio" code=0 data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
+  id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
+  id=4 data_len=512 form="tx_antenna" code=1 data=[01 00 00 00 00 00 00 00 01 00 00 00 04 00 00 00 80 (+495 zero)]
+  id=4 data_len=512 form="tx_antenna" code=1 data=[01 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 00 08 (+490 zero)]
+  id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" offset=0 data=[04 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
+  id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" data=[06 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
+  id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
+  id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
+  $ answer 3 0; answer 3 1
+  kelvra_gpio_test_set
+  kelvra_gpio_test_get
+  
+  data len(4)
+  data:  00 00 00 00
+  $ answer 3 0 $(seq 101 160) | tail -1; answer 3 1 | cut -c 1-30
+  kelvra_gpio_test_set, gpio_v[49]: 150
+  kelvra_gpio_test_get
+  
+  data len(204)
+  data:  32 00 00 00 65 00 00 00
+  $ vxk 3 1 extra | helpless
+  kelvra_gpio_test_get
+  
+  note: Cmd error, should be: vxk 3 1 , Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  $ vxk 3 3 1 4 | helpless
+  kelvra_rf_tx_test_set, argc(5)
+  
+  note: need 5 inputs, Pls refer to the following cmd:
+  
+  note: Error happen! error_code(268431370)
+  
+  $ vxk 6 4 0 0 0 0 0 0 0 0 51 > /dev/null; vxk 6 4 1 0 0 0 0 0 0 0 1 > /dev/null
+  $ grep -c 'EA FF FF FF' "$VXK_HANDSET_DIR/log/wire.log"
+  2
