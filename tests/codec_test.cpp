@@ -172,8 +172,9 @@ TEST(Codec, KeepsLenientCountsAsSentAndStoresUpToTheBound) {
         size_t bytes;
         bool decodes;
     } cases[] = {
-        {0, 0, 0, 0, true},     {10, 10, 700, 700, true}, {12, 12, 3, 3, true},    {255, 255, 0, 0, true},
-        {2, 2, 900, 900, true}, {12, 11, 3, 3, false},    {1, 1, 900, 899, false}, {1, 1, 65535, 10, false},
+        {0, 0, 0, 0, true},     {10, 10, 700, 700, true}, {12, 12, 3, 3, true},
+        {255, 255, 0, 0, true}, {2, 2, 900, 900, true},   {10, 10, 900, 900, true},
+        {12, 11, 3, 3, false},  {1, 1, 900, 899, false},  {1, 1, 65535, 10, false},
     };
     for (const auto& each : cases) {
         // Behind the structure lies what must not be touched.
@@ -188,10 +189,12 @@ TEST(Codec, KeepsLenientCountsAsSentAndStoresUpToTheBound) {
         if (!each.decodes)
             continue;
         EXPECT_EQ(room.response.entry_count, each.count);
-        for (uint32_t i = 0; i < each.entries && i < VS_ENTRIES_MAX_V01; ++i) {
-            EXPECT_EQ(room.response.entries[i].id, i + 1);
-            EXPECT_EQ(room.response.entries[i].value_len, each.length);
-            EXPECT_EQ(room.response.entries[i].value[0], each.length ? i + 1 : 0);
+        for (uint32_t i = 0; i < VS_ENTRIES_MAX_V01; ++i) {
+            const auto& stored = room.response.entries[i];
+            const bool was_sent = i < each.entries;
+            EXPECT_EQ(stored.id, was_sent ? i + 1 : 0);
+            EXPECT_EQ(stored.value_len, was_sent ? each.length : 0);
+            EXPECT_EQ(stored.value[0], was_sent && each.length != 0 ? i + 1 : 0);
         }
     }
 }

@@ -12,6 +12,7 @@
 
 namespace {
 
+using testing::ElementsAre;
 using testing::MatchesRegex;
 
 std::string content(const std::string& path) {
@@ -90,27 +91,24 @@ std::vector<std::string> log_lines(const std::string& path) {
 TEST(SystemLog, HasALineAMessage) {
     const std::string tag = program_invocation_short_name;
     const std::string longest(100000, 'm');
-    {
-        const TemporaryFolder folder;
-        write_log(LOG_DEBUG, "rild print is started");
-        write_log(LOG_USER | LOG_ERR, "two\nlines %d\n", 7);
-        errno = ENOENT;
-        write_log(LOG_NOTICE, "%s", "kept");
-        EXPECT_EQ(errno, ENOENT);
-        write_log(LOG_CRIT, "%s", longest.c_str());
-        EXPECT_GT(__android_log_print(ANDROID_LOG_INFO, "KOLVO", "%s", "\n"), 0);
-        EXPECT_EQ(__android_log_print(ANDROID_LOG_SILENT, "KOLVO", "unheard"), 0);
-        EXPECT_THAT(log_lines(folder.path("log/system.log")),
-                    testing::ElementsAre("D " + tag + ": rild print is started", "E " + tag + ": two lines 7",
-                                         "I " + tag + ": kept", "F " + tag + ": " + longest, "I KOLVO: "));
-    }
-    write_log(LOG_WARNING, "to nobody");
+    const TemporaryFolder folder;
+    write_log(LOG_DEBUG, "rild print is started");
+    write_log(LOG_USER | LOG_ERR, "two\nlines %d\n", 7);
+    errno = ENOENT;
+    write_log(LOG_NOTICE, "%s", "kept");
+    EXPECT_EQ(errno, ENOENT);
+    write_log(LOG_CRIT, "%s", longest.c_str());
+    EXPECT_GT(__android_log_print(ANDROID_LOG_INFO, "KOLVO", "%s", "\n"), 0);
+    EXPECT_EQ(__android_log_print(ANDROID_LOG_SILENT, "KOLVO", "unheard"), 0);
     const TemporaryFolder other;
     write_log(LOG_WARNING, "to another folder");
+    EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to another folder"));
     std::filesystem::remove_all(other.path("log"));
     write_log(LOG_WARNING, "to a new file");
-    EXPECT_THAT(log_lines(other.path("log/system.log")),
-                testing::ElementsAre("W " + tag + ": to a new file"));
+    EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to a new file"));
+    EXPECT_THAT(log_lines(folder.path("log/system.log")),
+                ElementsAre("D " + tag + ": rild print is started", "E " + tag + ": two lines 7",
+                            "I " + tag + ": kept", "F " + tag + ": " + longest, "I KOLVO: "));
 }
 
 }  // namespace

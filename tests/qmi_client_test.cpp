@@ -139,7 +139,7 @@ TEST_F(QmiClient, FailsOnResponsesThatDoNotDecode) {
     const std::vector<std::pair<const char*, Bytes>> tails = {
         {"header cut short", {}},
         {"length past the packet", {1, 0}},
-        {"bytes behind the length", {0, 0, 1}},
+        {"a TLV behind the length", {7, 0, 2, 4, 0, 0, 0, 0, 0, 0x77, 0, 0}},
         {"no mandatory element", {0, 0}},
         {"TLV past the packet", {7, 0, 2, 5, 0, 0, 0, 0, 0}},
         {"result of another width", {6, 0, 2, 3, 0, 0, 0, 0}},
@@ -249,15 +249,19 @@ TEST_F(QmiClient, TellsTheLossWithoutARequest) {
     listener.reset();
     // Unread bytes at the peer turn its end into a reset, which must not hide what it sent before.
     EXPECT_EQ(ask(&response, 1), QMI_TIMEOUT_ERR);
+    peer->send(indication(6, {}));
     peer->send(indication(1, {}));
+    while (!callbacks.is_held)
+        std::this_thread::yield();
     peer->close();
-    ASSERT_TRUE(callbacks.wait_for(1));
+    callbacks.hold.set_value();
+    ASSERT_TRUE(callbacks.wait_for(2));
     EXPECT_EQ(ask(&response, kForEver), QMI_SERVICE_ERR);
     // Registered late: told at once, on the library's thread.
     EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
-    ASSERT_TRUE(callbacks.wait_for(2));
+    ASSERT_TRUE(callbacks.wait_for(3));
     EXPECT_NE(callbacks.thread.load(), std::this_thread::get_id());
-    EXPECT_THAT(callbacks.all(), ElementsAre("ind 1 0", "error -2"));
+    EXPECT_THAT(callbacks.all(), ElementsAre("ind 6 0", "ind 1 0", "error -2"));
 }
 
 TEST_F(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
@@ -340,18 +344,21 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
     testing::internal::CaptureStderr();
     std::optional<Listener> listener;
     std::thread handset([&] {
+        const auto socket = folder.path("later/qmi/65509");
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         {
-            const Listener stale(folder.path("later/qmi/65509"));
-            std::filesystem::rename(folder.path("later/qmi/65509"), folder.path("later/stale"));
+            const Listener dies(folder.path("dead/socket"));
+            std::filesystem::rename(folder.path("dead/socket"), folder.path("dead/stale"));
         }
-        std::filesystem::rename(folder.path("later/stale"), folder.path("later/qmi/65509"));
+        std::filesystem::create_directories(folder.path("later/qmi"));
+        std::filesystem::rename(folder.path("dead/stale"), socket);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        std::filesystem::remove(folder.path("later/qmi/65509"));
-        listener.emplace(folder.path("later/qmi/65509"));
+        std::filesystem::remove(socket);
+        listener.emplace(socket);
     });
-    while (qmi_client_get_service_list(kVs, nullptr, nullptr, &services) != QMI_NO_ERR)
-        EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 0), 0);
+    EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 0), 0);
+    EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_NO_ERR)
+        << "a socket that nobody listens to is no service";
     handset.join();
     const std::string note = testing::internal::GetCapturedStderr();
     EXPECT_THAT(note, testing::HasSubstr(folder.path("later")));
