@@ -32,8 +32,11 @@ CommonAnswer number(uint32_t value) {
 void read_profile(Section& section, CardsProfile& cards) {
     if (section.has("slots"))
         cards.slots.clear();
-    section.list("slots", CardsProfile::kSlotsMax,
-                 [&cards](Section& slot) { slot.boolean("present", cards.slots.emplace_back().present); });
+    section.list("slots", CardsProfile::kSlotsMax, [&cards](Section& slot) {
+        SlotProfile& profile = cards.slots.emplace_back();
+        slot.boolean("present", profile.present);
+        slot.integer("error", profile.error);
+    });
 }
 
 Cards::Cards(Handset& handset) : handset_(handset) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "common_request.h"
@@ -17,6 +18,8 @@ class Section;
 struct SlotProfile {
     /// Whether the card is in the slot when the handset is switched on.
     bool present = true;
+    /// The error of a card that does not work, as the card status tells it.
+    std::optional<uint8_t> error;
 };
 
 struct CardsProfile {

@@ -19,6 +19,7 @@ constexpr Section::Choices<FaultAction> kActions = {
     {"cut", FaultAction::kCut},
     {"close", FaultAction::kClose},
     {"withdraw", FaultAction::kWithdraw},
+    {"restart", FaultAction::kRestart},
 };
 
 bool matches(const std::optional<uint32_t>& wanted, std::optional<uint32_t> found) {
@@ -79,6 +80,7 @@ void read_action(Section& section, Fault& fault) {
             break;
         case FaultAction::kNoAnswer:
         case FaultAction::kClose:
+        case FaultAction::kRestart:
             break;
     }
     // There is nothing to be late or cut unless the modem has answered.

@@ -35,6 +35,7 @@ enum class FaultAction {
     kCut,          // only the first bytes of the answer's TLV area (QMI) or behind its op (diag)
     kClose,        // close the connection instead of answering
     kWithdraw,     // withdraw the service for a time instead of answering
+    kRestart,      // restart the modem instead of answering
 };
 
 struct Fault {

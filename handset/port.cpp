@@ -224,11 +224,14 @@ void Port::answer(ConnectionId connection, Exchange& exchange) {
         case FaultAction::kNoAnswer:
         case FaultAction::kClose:
         case FaultAction::kWithdraw:
+        case FaultAction::kRestart:
             log(exchange.no_answer_line().text("fault", fault->name()));
             if (fault->action == FaultAction::kClose)
                 close_connection(connection);
             if (fault->action == FaultAction::kWithdraw)
                 withdraw_for(fault->time);
+            if (fault->action == FaultAction::kRestart)
+                handset_.restart_modem();
             return;
     }
     send_answer(connection, exchange, answer.packet, delay, fault);

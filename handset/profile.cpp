@@ -23,6 +23,8 @@ Profile parse_profile(const std::string& text, const std::string& name) {
         root.object("modem", [&](Section& section) { read_profile(section, profile.modem); });
         root.object("efs", [&](Section& section) { read_profile(section, profile.efs); });
         root.object("cards", [&](Section& section) { read_profile(section, profile.cards); });
+        root.object("euicc", [&](Section& section) { read_profile(section, profile.euicc); });
+        root.object("uim", [&](Section& section) { read_profile(section, profile.uim); });
         root.object("statistics", [&](Section& section) { read_profile(section, profile.statistics); });
         root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
         root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });

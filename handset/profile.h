@@ -8,12 +8,14 @@
 
 #include "cards.h"
 #include "diag_profile.h"
+#include "euicc.h"
 #include "fault.h"
 #include "modem_files.h"
 #include "profile_section.h"
 #include "sar_service.h"
 #include "statistics_debug.h"
 #include "statistics_service.h"
+#include "uim_profile.h"
 
 namespace handset {
 
@@ -26,6 +28,8 @@ struct Profile {
     ModemProfile modem;
     EfsProfile efs;
     CardsProfile cards;
+    EuiccProfile euicc;
+    UimProfile uim;
     StatisticsProfile statistics;
     DebugProfile debug;
     SarProfile sar;

@@ -19,11 +19,15 @@ std::optional<uint16_t> service_id(std::string_view name);
 
 /// Error words of a QMI answer.
 enum QmiError : uint16_t {
+    kQmiErrorNone = 0,
     kQmiErrorMalformed = 1,
     kQmiErrorInternal = 3,
+    kQmiErrorSimFileNotFound = 16,
     kQmiErrorMissingArgument = 17,
     kQmiErrorInvalidArgument = 48,
+    kQmiErrorDeviceNotReady = 52,
     kQmiErrorInvalidMessage = 71,
+    kQmiErrorInformationUnavailable = 74,
     kQmiErrorNotSupported = 94,
 };
 

@@ -8,14 +8,17 @@
 #include "sar_service.h"
 #include "statistics_debug.h"
 #include "statistics_service.h"
+#include "uim_service.h"
 
 namespace handset {
 
 void add_subjects(Handset& handset) {
     handset.add_service(std::make_unique<ExtensionService>(handset));
+    const auto cards = std::make_shared<Cards>(handset);
+    handset.keep(cards);
+    handset.add_service(std::make_unique<UimService>(handset, *cards));
     handset.add_service(std::make_unique<StatisticsService>(handset));
     handset.add_service(std::make_unique<SarService>(handset));
-    handset.keep(std::make_shared<Cards>(handset));
     handset.keep(std::make_shared<AtChannel>(handset));
     handset.add_port(std::make_unique<DiagPort>(handset));
     add_maintenance(handset);
