@@ -29,11 +29,19 @@ crash() {
     handset=
 }
 
-# The tool, with the source lines of its log messages masked. `command vxk` shows them.
+# The tool's output without what differs between builds and runs: source lines of log messages, except those that are
+# fixed, and addresses.
+masked_log() {
+    local fixed='init_uim_qmi_client|uim_qmi_client_recovery|error_cb|kelvra_uim_qmi_client_unsol_ind_cb'
+    sed -E "/RIL\[($fixed):/!s/RIL\[([^]:]*):[0-9]+\]/RIL[\\1:#]/
+        s/^(RIL.* (init_uim_qmi_client|uim_qmi_client|qmi_client_release)) 0x[0-9a-f]+$/\\1 CLIENT/"
+}
+
+# The tool, its log masked. `command vxk` shows it as it is.
 vxk() {
     local status=0
     command vxk "$@" > "$CRAMTMP/out" || status=$?
-    sed -E 's/RIL\[([^]:]*):[0-9]+\]/RIL[\1:#]/' "$CRAMTMP/out"
+    masked_log < "$CRAMTMP/out"
     return $status
 }
 

@@ -1,0 +1,692 @@
+The eSIM state command, vxk 5 10.
+
+  $ . "$TESTDIR/setup.sh"
+  $ quiet() { command vxk 5 10 $1 0; }
+
+What takes seconds runs beside the rest, each on a handset of its own: no EID ever, no answer, no service.
+
+  $ slow() { echo "$2" > $1.json; (vxk-handset run --profile $1.json -- sh -c "$3" > $1.out 2> /dev/null) & slow+=($!); }
+  $ slow no_eid '{"euicc": {"eid": "8904903200100100000000000000002300"}}' "vxk 5 10 1 1"
+  $ slow no_answer '{"faults": [{"service": "uim", "action": "no_answer"}]}' "vxk 5 10 4 1"
+  $ slow no_service '{"faults": [{"service": "uim", "action": "withdraw", "ms": 60000}]}' "vxk 5 10 2 0; vxk 5 10 4 1"
+
+The requests of the last run: service, message, and the bytes of the body or of the payload.
+
+  $ requests() { log=$VXK_HANDSET_DIR/log/wire.log
+  >   sed -nE "$((seen + 1)),\$ s/^.* qmi\/([a-z]+) [0-9]+ -> request [a-z_]+\(([0-9]+)\).*(tlvs|data)=(.*)/\1 \2 \4/p" "$log"
+  >   seen=$(wc -l < "$log"); }
+
+Action 1 switches to the eSIM. A quiet run prints its verdict and nothing else.
+
+  $ boot; seen=0
+  $ quiet 1
+  eID=89049032001001000000000000000023
+  $ requests
+  uim 48 [01 01 00 02]
+  extension 2 [02 00 00 00 00 00 00 00 54 00 00 00 08 (+499 zero)]
+  uim 49 [01 01 00 02 10 01 00 01 11 04 00 00 00 00 00]
+  uim 101 [01 01 00 02]
+  extension 2 [04 01 00 00 28 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 75 69 6D 2F 75 69 6D 64 72 76 2F 65 73 69 6D 5F 65 69 64 (+467 zero)]
+  extension 2 [05 01 00 00 28 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 75 69 6D 2F 75 69 6D 64 72 76 2F 65 73 69 6D 5F 65 69 64 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 10 00 00 00 10 00 00 00 00 00 00 00 89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23 (+408 zero)]
+  $ efs 1/nv/item_files/modem/uim/uimdrv/esim_eid
+   89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23
+
+The second run finds the stored EID.
+
+  $ vxk 5 10 1 1
+  RIL[kelvra_cmn_esim_test:#]: switch to eSIM
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power down sim
+  RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = 0, failed_cnt = 0
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: POWER_DOWN_UIM2 res = 0
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 84
+  RIL[kelvra_send_common_qmi_msg:#]: l 8
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power up sim, ignore hotswap = 1 
+  RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = 0, failed_cnt = 0
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: POWER_UP_UIM2 res = 0
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[is_eid_valid:#]: check whether eid valid
+  
+  RIL[is_eid_valid:#]: eid validate pass
+  
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 1, path_len: 40
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/uim/uimdrv/esim_eid
+  kelvra_extend_qmi_send_sync resp_len:36
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = 0
+  RIL[kelvra_efs_read:#]: data_len_all = 16, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 16
+  RIL[kelvra_efs_read:#]: errro, abort, buf_len <= req.data_len_cur
+  RIL[save_eid_to_efs:#]: EID already exists, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+
+The first one stores it.
+
+  $ boot; seen=0
+  $ vxk 5 10 1 1 | sed -n '/try get eid/,$p'
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[is_eid_valid:#]: check whether eid valid
+  
+  RIL[is_eid_valid:#]: eid validate pass
+  
+  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 1, path_len: 40
+  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/uim/uimdrv/esim_eid
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
+  RIL[kelvra_efs_read:#]: qmi response fail
+  RIL[save_eid_to_efs:#]: efs read failed and try save it. error_code : -2
+  
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 1, path_len: 40, buf_len: 16
+  RIL[kelvra_efs_write:#]: path_value: /nv/item_files/modem/uim/uimdrv/esim_eid
+  RIL[kelvra_efs_write:#]: send_num(16)
+  RIL[kelvra_efs_write:#]: left_num(16)
+  RIL[kelvra_efs_write:#]: data_len_all = 16, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 16
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
+  save eid efs result = 0
+  RIL[save_eid_to_efs:#]: save eid successfully, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+
+Action 2 switches to the card.
+
+  $ requests > /dev/null
+  $ vxk 5 10 2 1
+  RIL[kelvra_cmn_esim_test:#]: switch to SIM2
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power down sim
+  RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = 0, failed_cnt = 0
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: POWER_DOWN_UIM2 res = 0
+  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
+  RIL[kelvra_send_common_qmi_msg:#]: t 84
+  RIL[kelvra_send_common_qmi_msg:#]: l 8
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
+  QMI client inited
+  kelvra_extend_qmi_send_sync resp_len:16
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power up sim, ignore hotswap = 0 
+  RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = 0, failed_cnt = 0
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: POWER_UP_UIM2 res = 0
+  RIL[kelvra_cmn_esim_test:#]: SIM2 Power Up successfully
+  value=SUCCEED
+  $ requests
+  uim 48 [01 01 00 02]
+  extension 2 [02 00 00 00 00 00 00 00 54 00 00 00 08 00 00 00 01 (+495 zero)]
+  uim 49 [01 01 00 02 10 01 00 00 11 04 00 00 00 00 00]
+
+A card has neither an EID nor an ISD-R.
+
+  $ vxk 5 10 3 1
+  RIL[kelvra_cmn_esim_test:#]: kelvra get eid
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 1
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  value=FAILED
+  $ quiet 3
+  value=FAILED
+  $ quiet 4
+  PRESENT,PRESENT
+  $ vxk 5 10 5 1
+  RIL[kelvra_cmn_esim_test:#]: Start eUICC Reset
+  RIL[kelvra_uim_open_channel:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed
+  RIL[kelvra_uim_open_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
+  value=FAILED
+
+Action 3 reads the EID.
+
+  $ boot; seen=0
+  $ vxk 5 10 3 1
+  RIL[kelvra_cmn_esim_test:#]: kelvra get eid
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  eID=89049032001001000000000000000023
+  $ requests
+  uim 101 [01 01 00 02]
+
+Action 4 asks for the cards' states.
+
+  $ vxk 5 10 4 1
+  RIL[kelvra_cmn_esim_test:#]: try get simcard status
+  RIL[kelvra_uim_get_card_status:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response
+  RIL[kelvra_uim_get_card_status:#]: SIM[0] State = 1
+  RIL[kelvra_uim_get_card_status:#]: SIM[1] State = 1
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: card_status, [1, 1]
+  RIL[map_sim_state:#]: map_sim_state ...
+  
+  PRESENT,PRESENT
+  $ requests
+  uim 47 [10 01 00 01]
+
+Action 5 resets the eUICC's memory, and is content when there is nothing to delete.
+
+  $ vxk 5 10 5 1
+  RIL[kelvra_cmn_esim_test:#]: Start eUICC Reset
+  RIL[kelvra_uim_open_channel:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel successfully
+  RIL[kelvra_uim_open_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1
+  RIL[kelvra_uim_send_apdu:#]: function entry ------------->
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu uim_qmi_client CLIENT
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu successfully
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = 0
+  RIL[kelvra_cmn_esim_test:#]: apdu=08bf34038001009000
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, delete profile successfully.
+  RIL[kelvra_uim_close_channel:#]: function entry ------------->
+  RIL[kelvra_uim_close_channel:#]: kelvra_uim_close_channel uim_qmi_client CLIENT
+  RIL[kelvra_uim_close_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_close_channel res = 0
+  value=SUCCEED
+  $ requests
+  uim 66 [01 01 00 02 10 11 00 10 A0 00 00 05 59 10 10 FF FF FF FF 89 00 00 01 00 11 01 00 01]
+  uim 59 [01 01 00 02 02 0F 00 0D 00 80 E2 91 00 07 BF 34 04 82 02 05 E0 00 10 01 00 01 11 01 00 00]
+  uim 63 [01 01 00 02 11 01 00 01 13 01 00 01]
+  $ vxk 5 10 5 1 | grep -A1 apdu=
+  RIL[kelvra_cmn_esim_test:#]: apdu=08bf34038001019000
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, nothing to delete.
+  $ quiet 5
+  value=SUCCEED
+
+What is missing or no action.
+
+  $ requests > /dev/null
+  $ vxk 5 10 1 | head -6
+  RIL[kelvra_cmn_esim_test:#]: invalid input
+  
+  
+  note: Error happen! error_code(-1)
+  
+  =========== blew: vexkit(vxk) cmd help =======================================================
+  $ vxk 5 10 | head -4
+  RIL[kelvra_cmn_esim_test:#]: invalid input
+  
+  
+  note: Error happen! error_code(-1)
+  $ vxk 5 10 0 1
+  RIL[kelvra_cmn_esim_test:#]: invalid input skip
+  value=FAILED
+  $ for action in 0 6 -1 text; do quiet $action; done
+  value=FAILED
+  value=FAILED
+  value=FAILED
+  value=FAILED
+  $ requests
+
+EIDs: wrong check digits, letters that pass, letters that do not, zeros in front, all zero, 15 and 17 bytes.
+
+  $ with_eid() { boot "{\"euicc\": {\"eid\": \"$1\"}}"; }
+  $ with_eid 89049032001001000000000000000024
+  $ vxk 5 10 1 1 | sed -n '/is_eid_valid/,$p'
+  RIL[is_eid_valid:#]: check whether eid valid
+  
+  RIL[is_eid_valid:#]: eid validate failed, result = 2
+  
+  value=FAILED - 89049032001001000000000000000024
+  $ quiet 1; quiet 3; efs 1/nv/item_files/modem/uim/uimdrv/esim_eid
+  value=FAILED - 89049032001001000000000000000024
+  eID=89049032001001000000000000000024
+  (no file)
+  $ with_eid 8904903200100100000000ABCDEF0067
+  $ quiet 1; efs 1/nv/item_files/modem/uim/uimdrv/esim_eid
+  eID=8904903200100100000000abcdef0067
+   89 04 90 32 00 10 01 00 00 00 00 ab cd ef 00 67
+  $ with_eid FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF
+  $ quiet 1; quiet 3
+  value=FAILED - ffffffffffffffffffffffffffffffff
+  eID=ffffffffffffffffffffffffffffffff
+  $ for eid in 00000000000000000000000000000001 00000000000000000000000000000000 890490320010010000000000000000; do
+  >   with_eid $eid; quiet 3; done
+  value=FAILED
+  value=FAILED
+  value=FAILED
+  $ with_eid 8904903200100100000000000000002300
+  $ vxk 5 10 3 1
+  RIL[kelvra_cmn_esim_test:#]: kelvra get eid
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 1
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  value=FAILED
+
+An EID that takes its time.
+
+  $ boot '{"euicc": {"eid_ms": 250}}'
+  $ quiet 1
+  eID=89049032001001000000000000000023
+
+A stored EID of another length is a stored EID; one that cannot be stored is told.
+
+  $ stored=efs/1/nv/item_files/modem/uim/uimdrv/esim_eid
+  $ boot; mkdir -p "$VXK_HANDSET_DIR/${stored%/*}"
+  $ for size in 0 5 17 500; do
+  >   head -c $size /dev/zero > "$VXK_HANDSET_DIR/$stored"; vxk 5 10 1 1 | sed -n '/data_len_all/,$p'; done
+  RIL[kelvra_efs_read:#]: data_len_all = 0, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 0
+  RIL[save_eid_to_efs:#]: EID already exists, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+  RIL[kelvra_efs_read:#]: data_len_all = 5, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 5
+  RIL[save_eid_to_efs:#]: EID already exists, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+  RIL[kelvra_efs_read:#]: data_len_all = 17, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 17
+  RIL[kelvra_efs_read:#]: errro, abort, buf_len <= req.data_len_cur
+  RIL[save_eid_to_efs:#]: EID already exists, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+  RIL[kelvra_efs_read:#]: data_len_all = 500, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 414
+  RIL[kelvra_efs_read:#]: errro, abort, buf_len <= req.data_len_cur
+  RIL[save_eid_to_efs:#]: EID already exists, set IS_EID_SAVE TRUE
+  eID=89049032001001000000000000000023
+  $ boot '{"efs": {"read_only": ["/nv/item_files/modem/uim"]}}'
+  $ vxk 5 10 1 1 | sed -n '/save_eid/,$p' | grep -v kelvra_efs
+  RIL[save_eid_to_efs:#]: efs read failed and try save it. error_code : -2
+  
+  kelvra_extend_qmi_send_sync resp_len:20
+  kelvra_extend_qmi_handle_req_cb result:0
+  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
+  save eid efs result = -13
+  eID=89049032001001000000000000000023
+  $ quiet 1
+  eID=89049032001001000000000000000023
+
+Cards that are absent or broken; no third one is expected.
+
+  $ with_cards() { boot "{\"euicc\": {\"wired\": false}, \"cards\": {\"slots\": [$1]}}"; }
+  $ with_cards '{"present": false}, {"error": 6}'; quiet 4
+  ABSENT,ERROR
+  $ with_cards ''; quiet 4
+  ABSENT,ABSENT
+  $ with_cards '{}, {}, {}'
+  $ command vxk 5 10 4 0 2>&1 | cat; echo ${PIPESTATUS[0]}
+  vxk: fatal: card 2 in the card status is out of range: there are 2 slots
+  134
+  $ command vxk 5 10 4 1 2>&1 | sed -n '/SIM\[/s/:[0-9]*\]/:#]/p; /fatal/p'
+  RIL[kelvra_uim_get_card_status:#]: SIM[0] State = 1
+  RIL[kelvra_uim_get_card_status:#]: SIM[1] State = 1
+  vxk: fatal: card 2 in the card status is out of range: there are 2 slots
+
+Card status: none told, none extended, no card, an unknown state, and more cards, applications or AID bytes counted
+than came.
+
+  $ answers() { message=$1; shift; boot "{\"faults\": [$(for tlvs; do
+  >   printf '%s{"service": "uim", "message": %d, "action": "tlvs", "bytes": "02 0400 00000000 %s"}' "$comma" $message "$tlvs"
+  >   comma=,; done)]}"; }
+  $ none="FFFF FFFF FFFF FFFF"
+  $ answers 47 "" "10 0F00 $none 01 01 00 00 00 00 00" "15 0900 $none 00" "15 1500 $none 02 01 00 00 00 00 00 09 00 00 00 00 00" \
+  >   "15 0F00 $none 02 01 00 00 00 00 00" "15 0F00 $none FF 01 00 00 00 00 00" "15 0F00 $none 01 01 00 00 00 00 01" \
+  >   "15 1600 $none 01 01 00 00 00 00 01 02 07 02 00 00 00 FF" "15 0F00 $none 01 01 00 00 00 00 00"
+  $ vxk 5 10 4 1 | tail -7
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: card_status, [3, 3]
+  RIL[map_sim_state:#]: map_sim_state ...
+  
+  UNKNOWN,UNKNOWN
+  $ quiet 4; quiet 4; quiet 4
+  UNKNOWN,UNKNOWN
+  UNKNOWN,UNKNOWN
+  PRESENT,UNKNOWN
+  $ vxk 5 10 4 1 | tail -7
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -1
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0]
+  RIL[map_sim_state:#]: map_sim_state ...
+  
+  ABSENT,ABSENT
+  $ quiet 4; quiet 4; quiet 4
+  ABSENT,ABSENT
+  ABSENT,ABSENT
+  ABSENT,ABSENT
+  $ quiet 4
+  PRESENT,ABSENT
+
+Exchanges that the service refuses, with each run's verdict and the exchanges that it made.
+
+  $ fault() { boot "{\"faults\": [$1]}"; seen=0; }
+  $ uim='{"service": "uim", "message"'; extension='{"service": "extension", "code"'
+  $ refused='"action": "result", "result": 3, "acts": true}'; gone='"action": "close"}'
+  $ verdicts() { for run in $(seq $2); do quiet $1; requests > sent; cut -d ' ' -f 1,2 sent | xargs; done; }
+  $ powerless="$uim: 48, $refused, $extension: 84, $refused, $uim: 49, $refused"
+  $ fault "$powerless"; verdicts 1 1
+  eID=89049032001001000000000000000023
+  uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
+  $ fault "$powerless"; verdicts 2 1
+  value=SUCCEED
+  uim 48 extension 2 uim 49
+  $ fault "$uim: 101, $refused, $uim: 47, $refused"; verdicts 3 1; verdicts 4 1
+  eID=89049032001001000000000000000023
+  uim 101 uim 101
+  UNKNOWN,UNKNOWN
+  uim 47
+  $ fault "$uim: 66, $refused, $uim: 59, $refused, $uim: 63, $refused"; verdicts 5 3
+  value=FAILED
+  uim 66
+  value=FAILED
+  uim 66 uim 59
+  value=SUCCEED
+  uim 66 uim 59 uim 63
+
+The service goes away at each exchange of each action; each run comes one exchange further than the one before.
+
+  $ boot "{\"efs\": {\"read_only\": [\"/nv/item_files/modem/uim\"]}, \"faults\": [
+  >   $uim: 48, $gone, $uim: 49, $gone, $uim: 101, $gone, $extension: 84, \"skip\": 2, $gone,
+  >   $extension: 4, \"skip\": 1, $gone, $extension: 5, \"skip\": 1, $gone]}"; seen=0
+  $ verdicts 1 6
+  value=FAILED
+  uim 48
+  value=FAILED
+  uim 48 extension 2 uim 49
+  eID=89049032001001000000000000000023
+  uim 48 extension 2 uim 49 uim 101 uim 101 extension 2 extension 2
+  eID=89049032001001000000000000000023
+  uim 48 extension 2 uim 49 uim 101
+  eID=89049032001001000000000000000023
+  uim 48 extension 2 uim 49 uim 101 extension 2
+  eID=89049032001001000000000000000023
+  uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
+  $ fault "$uim: 48, $gone, $uim: 49, $gone, $extension: 84, \"skip\": 1, $gone"; verdicts 2 3
+  value=FAILED
+  uim 48
+  value=FAILED
+  uim 48 extension 2 uim 49
+  value=SUCCEED
+  uim 48 extension 2 uim 49
+  $ fault "$uim: 101, $gone, $uim: 47, $gone"; verdicts 3 1; verdicts 4 1
+  eID=89049032001001000000000000000023
+  uim 101 uim 101
+  ABSENT,ABSENT
+  uim 47
+  $ fault "$uim: 66, $gone, $uim: 59, $gone, $uim: 63, $gone"; verdicts 5 3
+  value=FAILED
+  uim 66
+  value=FAILED
+  uim 66 uim 59
+  value=SUCCEED
+  uim 66 uim 59 uim 63
+
+The same at length.
+
+  $ fault "$uim: 48, $gone, $uim: 101, $gone, $uim: 47, $gone, $uim: 66, $gone, $uim: 63, $gone"
+  $ vxk 5 10 2 1
+  RIL[kelvra_cmn_esim_test:#]: switch to SIM2
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power down sim
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_request_uicc_power_ex:#]: send msg sync client error = -2, failed_cnt = 1
+  RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = -2, failed_cnt = 1
+  RIL[kelvra_uim_request_uicc_power_ex:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: POWER_DOWN_UIM2 res = -2
+  value=FAILED
+  $ vxk 5 10 3 1
+  RIL[kelvra_cmn_esim_test:#]: kelvra get eid
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 0
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -2
+  RIL[kelvra_uim_request_eid:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 1
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: SSR_Detected, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release (nil)
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  eID=89049032001001000000000000000023
+  $ vxk 5 10 4 1 | tail -11
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -2
+  RIL[kelvra_uim_get_card_status:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0]
+  RIL[map_sim_state:#]: map_sim_state ...
+  
+  ABSENT,ABSENT
+  $ vxk 5 10 5 1 | tail -9
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_open_channel:#]: send msg sync client error = -2
+  RIL[kelvra_uim_open_channel:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_open_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -2, channel_id = 0
+  value=FAILED
+  $ vxk 5 10 5 1 | sed -n '/close_channel/,$p'
+  RIL[kelvra_uim_close_channel:#]: function entry ------------->
+  RIL[kelvra_uim_close_channel:#]: kelvra_uim_close_channel uim_qmi_client CLIENT
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_close_channel:#]: send msg sync client error = -2
+  RIL[kelvra_uim_close_channel:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_close_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_close_channel res = -2
+  value=SUCCEED
+
+The modem restarts in the middle of a memory reset: the channel is lost, the profiles are not.
+
+  $ boot '{"modem": {"restart_ms": 50}, "faults": [{"service": "uim", "message": 59, "action": "restart"}]}'
+  $ vxk 5 10 5 1 | sed -n '/channel_id/,$p'
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1
+  RIL[kelvra_uim_send_apdu:#]: function entry ------------->
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu uim_qmi_client CLIENT
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[error_cb:303]: QMI error callback -2
+  RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
+  RIL[kelvra_uim_send_apdu:#]: send msg sync client error = -2
+  RIL[kelvra_uim_send_apdu:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -2
+  value=FAILED
+  $ vxk 5 10 5 1 | grep -E 'channel_id|profile|value'
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, delete profile successfully.
+  value=SUCCEED
+
+A memory reset that is answered with something else leaves its channel open, and there are only three.
+
+  $ answers 59 "10 0400 0200 6D00" "" "10 6600 6400 $(printf 'AB%.0s' {1..100})" "10 0900 0800 BF340380010090"
+  $ for run in 1 2 3; do vxk 5 10 5 1 | sed -n '/apdu_len/,$p'; done
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu successfully
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = 0
+  RIL[kelvra_cmn_esim_test:#]: apdu=026d00000000000000
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
+  value=FAILED
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu successfully
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = 0
+  RIL[kelvra_cmn_esim_test:#]: apdu=000000000000000000
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
+  value=FAILED
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu successfully
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = 0
+  RIL[kelvra_cmn_esim_test:#]: apdu=3fabababababababab
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
+  value=FAILED
+  $ vxk-handset show | grep 'slot 2  eUICC'
+    slot 2  eUICC, power on, logical channels open: 3
+  $ quiet 5
+  value=FAILED
+  $ quiet 1
+  eID=89049032001001000000000000000023
+  $ vxk 5 10 5 1 | sed -n '/apdu_len/,$p'
+  RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
+  RIL[kelvra_uim_send_apdu:#]: send msg sync client error = -1
+  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -1
+  value=FAILED
+  $ answers 66 "11 0200 9000" "10 0100 01 12 0200 FF00"
+  $ vxk 5 10 5 1 | tail -5
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel uim_qmi_client CLIENT
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed
+  RIL[kelvra_uim_open_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
+  value=FAILED
+  $ vxk 5 10 5 1 | tail -4
+  RIL[kelvra_uim_open_channel:#]: send msg sync client error = -1
+  RIL[kelvra_uim_open_channel:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
+  value=FAILED
+
+Indications: 97 is decoded, others are only logged.
+
+  $ boot '{"uim": {"indications": [{"before": 48}, {"before": 49, "tlvs": "01 0400 07000000"},
+  >   {"before": 49, "id": 50}]}}'
+  $ vxk 5 10 1 1 | grep unsol_ind
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:340]: qmi_client_message_decode result = 0
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:340]: qmi_client_message_decode result = -1
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:350]: purge guti failed. resp.result = 7 ,resp.result = 0
+  RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 50
+  $ grep -o 'qmi/uim 1 <- indication .*' "$VXK_HANDSET_DIR/log/wire.log"
+  qmi/uim 1 <- indication recovery(97) #0 first=0 second=0 tlvs=[01 04 00 00 00 00 00 02 04 00 00 00 00 00]
+  qmi/uim 1 <- indication recovery(97) #0 first=7 tlvs=[01 04 00 07 00 00 00]
+  qmi/uim 1 <- indication message(50) #0 tlvs=[01 04 00 00 00 00 00 02 04 00 00 00 00 00]
+  $ grep -oE 'SUB.*(:3[0-9][0-9]\]) .*_cb: [a-z]*' "$VXK_HANDSET_DIR/log/system.log"
+  SUB[shell][kelvra_extend_cmn:323] kelvra_uim_qmi_client_unsol_ind_cb: msg
+  SUB[shell][kelvra_extend_cmn:340] kelvra_uim_qmi_client_unsol_ind_cb: qmi
+  SUB[shell][kelvra_extend_cmn:323] kelvra_uim_qmi_client_unsol_ind_cb: msg
+  SUB[shell][kelvra_extend_cmn:340] kelvra_uim_qmi_client_unsol_ind_cb: qmi
+  SUB[shell][kelvra_extend_cmn:350] kelvra_uim_qmi_client_unsol_ind_cb: purge
+  SUB[shell][kelvra_extend_cmn:323] kelvra_uim_qmi_client_unsol_ind_cb: msg
+
+No EID: the client is made anew after every third failure. No answer in 3 s, and no service in 4 s.
+
+  $ wait "${slow[@]}"
+  $ masked_log < no_eid.out | sed -n '/loop = 1$/,/loop = 3$/p; /loop = 29$/,$p'
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 1
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 2
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
+  RIL[kelvra_uim_request_eid:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 3
+  RIL[kelvra_cmn_esim_test:#]: try get eid loop = 29
+  RIL[kelvra_uim_request_eid:#]: function entry ------------->
+  RIL[kelvra_uim_request_eid:#]: kelvra_uim_request_eid uim_qmi_client CLIENT
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
+  RIL[kelvra_uim_request_eid:#]: QMI error, try recovery
+  RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
+  RIL[uim_qmi_client_recovery:293]: function exit <-------------
+  RIL[kelvra_uim_request_eid:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: get eid timeout
+  value=FAILED
+  $ masked_log < no_answer.out
+  RIL[kelvra_cmn_esim_test:#]: try get simcard status
+  RIL[kelvra_uim_get_card_status:#]: function entry ------------->
+  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status try init_uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status uim_qmi_client CLIENT
+  RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -3
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0]
+  RIL[map_sim_state:#]: map_sim_state ...
+  
+  ABSENT,ABSENT
+  $ masked_log < no_service.out
+  value=FAILED
+  RIL[kelvra_cmn_esim_test:#]: try get simcard status
+  RIL[kelvra_uim_get_card_status:#]: function entry ------------->
+  RIL[init_uim_qmi_client:373]: qmi_client_init UIM instance failed, qmi_client_error = -3
+  RIL[kelvra_uim_get_card_status:#]: init_uim_qmi_client failed
+  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
+  value=FAILED
