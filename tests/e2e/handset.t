@@ -71,8 +71,7 @@ Show and log work from the folder, whether the handset lives or not.
   services
   $ vxk-handset show | grep 65508
     qmi 65508  extension
-  $ kill -9 $handset
-  $ halt
+  $ crash
   $ vxk-handset show | sed -n 2,5p
     not running
   
