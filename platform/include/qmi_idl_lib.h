@@ -42,8 +42,8 @@ typedef struct qmi_idl_element {
     uint8_t count_width;   /* arrays: bytes of the integer at count_offset */
     uint32_t offset;       /* where the value, or the first item, lies */
     uint32_t valid_offset; /* optional elements: where the presence flag lies */
-    uint32_t count_offset; /* arrays: where the item count lies. Without a prefix the count belongs to an earlier
-                              element of the message, and must agree with the items that came. With
+    uint32_t count_offset; /* arrays: where the item count lies. Without a prefix the count belongs to an
+                              earlier element of the message, and must agree with the items that came. With
                               QMI_IDL_NO_OFFSET the array always has `bound` items */
     uint32_t bound;        /* arrays: the most items */
     uint32_t stride;       /* arrays: bytes from one item to the next in C */
