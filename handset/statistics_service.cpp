@@ -163,9 +163,9 @@ void read_profile(Section& section, StatisticsProfile& statistics) {
 
 StatisticsService::StatisticsService(Handset& handset) : QmiService(kStatisticsServiceId), handset_(handset) {
     handset_.state().clear("statistics");
-    handset_.state().set("statistics", "values", handset_.profile().statistics.values.size());
-    handset_.state().set("statistics", "feature requests", 0);
-    handset_.state().set("statistics", "value requests", 0);
+    const StatisticsProfile& statistics = handset_.profile().statistics;
+    handset_.state().set("statistics", "values", statistics.values.size());
+    handset_.state().set("statistics", "indications", statistics.indications.size());
 }
 
 QmiAnswer StatisticsService::handle(const QmiRequest& request) {
@@ -179,7 +179,6 @@ QmiAnswer StatisticsService::handle(const QmiRequest& request) {
 wire::Bytes StatisticsService::set_feature(const QmiRequest& request) {
     if (request.tlv(0x01).size != 4)
         return refusal(kQmiErrorMalformed);
-    handset_.state().set("statistics", "feature requests", ++feature_requests_);
     say(StatisticsOccasion::kFeature);
     return qmi_result().take();
 }
@@ -190,7 +189,6 @@ wire::Bytes StatisticsService::values(const QmiRequest& request) {
         return refusal(kQmiErrorMalformed);
     if (wanted->sub >= kSubscriptions || wanted->entries.size() > kRequestedMax)
         return refusal(kQmiErrorInvalidArgument);
-    handset_.state().set("statistics", "value requests", ++value_requests_);
     say(StatisticsOccasion::kValues);
     AnswerList list;
     const auto& known = handset_.profile().statistics.values;

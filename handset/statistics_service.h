@@ -49,8 +49,6 @@ private:
     void say(StatisticsOccasion occasion);
 
     Handset& handset_;
-    unsigned feature_requests_ = 0;
-    unsigned value_requests_ = 0;
 };
 
 }  // namespace handset

@@ -129,11 +129,14 @@ What the modem does not have.
 
 Every session is a connection of its own: the feature, then one value. Nothing is asked of a subscription that no modem has.
 
-  $ vxk-handset show | grep -A3 '^statistics'
+  $ vxk-handset show | grep -A2 '^statistics'
   statistics
-    values            32
-    feature requests  37
-    value requests    33
+    values       32
+    indications  0
+  $ vxk-handset log | grep -c 'qmi/statistics .* request feature'
+  37
+  $ vxk-handset log | grep -c 'qmi/statistics .* request values'
+  33
   $ vxk-handset log | grep -F 'qmi/statistics 14 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
   qmi/statistics 14 -- connected
   qmi/statistics 14 -> request feature(3) #1 value=2 first=1 second=0
