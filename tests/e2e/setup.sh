@@ -65,7 +65,10 @@ asked() {
 show() { vxk-handset show | sed -n "/^$1$/,/^$/p"; }
 
 # Waits until the modem has come back from its n-th restart.
-restarted() { eventually test_count "qmi/extension - -- published" $(($1 + 1)); }
+restarted() {
+    eventually test_count "qmi/extension - -- published" $(($1 + 1))
+    eventually test -S "$VXK_HANDSET_DIR/qmi/65508"
+}
 test_count() { [ "$(grep -c -- "$1" "$VXK_HANDSET_DIR/log/wire.log")" -ge "$2" ]; }
 
 # Cuts the help from the end of the tool's output.
