@@ -151,8 +151,8 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
             lock.unlock();
             const ssize_t size = receive_until(deadline);
             lock.lock();
-            is_late = size < 0 && Clock::now() >= deadline;
             sort(size);
+            is_late = !request.is_answered && Clock::now() >= deadline;
         } else {
             is_late = changed_.wait_until(lock, deadline) == std::cv_status::timeout;
         }
