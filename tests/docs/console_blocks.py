@@ -4,27 +4,23 @@
 usage: console_blocks.py DOCUMENT.md
 
 Each ```console block is a piece of one shell session: lines behind "$ " are typed, the others are printed. Each ```json block
-must be a profile that a handset boots with. In output, "..." stands for any lines; numbers that differ from run to run (source
-lines, processes, times) are matched by their shape.
+must be a profile that a handset boots with. Numbers that differ from run to run (source lines,
+processes, times) are matched by their shape.
 """
 import re
 import sys
 
-VARYING = [
-    (r"RIL\\\[([^:]+):\d+\\\]", r"RIL\\[\1:\\d+\\]"),
-    (r"process \d+", r"process \\d+"),
-    (r"\d\d\\-\d\d \d\d:\d\d:\d\d\\\.\d\d\d", r"\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d"),
-    (r"/tmp/vxk\\-handset\\\.\w+", r"/tmp/vxk-handset\\.\\w+"),
-    (r"\(\d+\.\d+ s\)", r"\\(\\d+\\.\\d+ s\\)"),
-]
+VARYING = re.compile(r"RIL\[[^:]+:\d+\]|process \d+|\d\d-\d\d \d\d:\d\d:\d\d\.\d\d\d")
 
 
 def expected(line):
     """The transcript's form of one line of output."""
-    pattern = re.escape(line)
-    for shape, general in VARYING:
-        pattern = re.sub(shape, general, pattern)
-    return line if pattern == re.escape(line) else pattern + " (re)"
+    pattern, end = "", 0
+    for match in VARYING.finditer(line):
+        pattern += re.escape(line[end:match.start()])
+        pattern += re.sub(r"\d+", r"\\d+", re.escape(match.group()))
+        end = match.end()
+    return pattern + re.escape(line[end:]) + " (re)" if end else line
 
 
 def transcript(document):
