@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "groups.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "show_help.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include "extension_modem.h"
 #include "groups.h"
 #include "kelvra_log.h"
+#include "platform_test.h"
 
 namespace {
 

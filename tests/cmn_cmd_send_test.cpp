@@ -4,6 +4,7 @@
 #include "extend_double.h"
 #include "groups.h"
 #include "kelvra_log.h"
+#include "platform_test.h"
 
 namespace {
 

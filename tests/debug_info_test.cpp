@@ -8,7 +8,7 @@
 #include "groups.h"
 #include "kelvra_modem_stats_debug.h"
 #include "little_endian.h"
-#include "platform_double.h"
+#include "platform_test.h"
 
 namespace {
 

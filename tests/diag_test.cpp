@@ -11,7 +11,7 @@
 #include "kelvra_diag_unit.h"
 #include "kelvra_log.h"
 #include "kelvra_qmi_test_cmn.h"
-#include "platform_double.h"
+#include "platform_test.h"
 
 namespace {
 

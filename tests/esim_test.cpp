@@ -9,7 +9,7 @@
 #include "kelvra_log.h"
 #include "kelvra_qmi_test_cmn.h"
 #include "little_endian.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "user_identity_module_v01.h"
 
 namespace {

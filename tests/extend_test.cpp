@@ -5,6 +5,7 @@
 
 #include "extend_double.h"
 #include "kelvra_log.h"
+#include "platform_test.h"
 
 namespace {
 

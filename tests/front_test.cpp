@@ -6,7 +6,7 @@
 #include "groups.h"
 #include "kelvra_log.h"
 #include "kelvra_parse.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "show_help.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <thread>
 
-#include "platform_double.h"
+#include "platform_test.h"
 #include "qcril_logger.h"
 
 namespace {

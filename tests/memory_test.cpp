@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "platform_double.h"
+#include "platform_test.h"
 #include "qcril_memory_management.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "modem_api_events.h"
 #include "modem_api_slots.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "qcril_memory_management.h"
 
 namespace {
@@ -154,7 +154,7 @@ void indicate(unsigned msg_id, const Message& message, int decode_result = 0) {
     };
     g_events.clear();
     uint8_t tlvs[1] = {};
-    platform().ind_cb(&platform().client_token, msg_id, tlvs, sizeof tlvs, nullptr);
+    platform().ind_cb(tlvs, msg_id, tlvs, sizeof tlvs, nullptr);
 }
 
 template <typename Event>

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "extend_double.h"
+#include "platform_test.h"
 
 namespace {
 

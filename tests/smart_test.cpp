@@ -4,6 +4,7 @@
 
 #include "extension_modem.h"
 #include "groups.h"
+#include "platform_test.h"
 
 namespace {
 

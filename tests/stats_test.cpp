@@ -9,7 +9,7 @@
 #include "kelvra_qmi_test_cmn.h"
 #include "kelvra_test_qmi_modem_stats.h"
 #include "modem_api.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "specific_absorption_rate_v01.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "kelvra_extend_uim.h"
 #include "kelvra_uim_requests.h"
-#include "platform_double.h"
+#include "platform_test.h"
 #include "user_identity_module_v01.h"
 
 namespace {

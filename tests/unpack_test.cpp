@@ -8,7 +8,7 @@
 #include "kelvra_modem_stats_record.h"
 #include "kelvra_test_modem_stats.h"
 #include "kelvra_unpack.h"
-#include "platform_double.h"
+#include "platform_test.h"
 
 namespace {
 

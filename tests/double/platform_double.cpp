@@ -2,25 +2,17 @@
 
 #include <syslog.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <memory>
-#include <regex>
-#include <sstream>
 #include <thread>
 
 #include "android/log.h"
 #include "cutils/properties.h"
-#include "modem_statistics_v01.h"
-#include "network_access_service_v01.h"
 #include "qtimutex.h"
-#include "specific_absorption_rate_v01.h"
-#include "user_identity_module_v01.h"
 
 namespace {
 
@@ -66,9 +58,9 @@ bool allocation_fails() {
     return true;
 }
 
-int make_client(qmi_client_type* client, int result) {
+int make_client(qmi_idl_service_object_type service, qmi_client_type* client, int result) {
     if (result == 0 && *client == nullptr)
-        *client = &platform().client_token;
+        *client = const_cast<qmi_idl_service_object*>(service);
     return result;
 }
 
@@ -87,61 +79,19 @@ void wait_for_threads() {
         std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
-PlatformTest::PlatformTest() {
+void renew_platform() {
     g_platform = std::make_unique<PlatformDouble>();
     fail_malloc(0);
-}
-
-PlatformTest::~PlatformTest() {
-    fail_malloc(0);
-}
-
-std::string PlatformTest::printed_by(const std::function<void()>& action) {
-    testing::internal::CaptureStdout();
-    action();
-    fflush(stdout);
-    return testing::internal::GetCapturedStdout();
-}
-
-int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words) {
-    words.insert(words.begin(), "vxk");
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    return group(static_cast<int>(words.size()), argv.data());
-}
-
-int run_line(int (*group)(int argc, char** argv), const std::string& line) {
-    std::istringstream words(line);
-    return run_words(group, {std::istream_iterator<std::string>(words), {}});
-}
-
-std::string mask_lines(const std::string& text) {
-    return std::regex_replace(text, std::regex("RIL\\[([^:\\]]*):\\d+\\]"), "RIL[$1:#]");
-}
-
-std::string without_sites(const std::string& text) {
-    return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
-}
-
-std::string without_lines(const std::string& text, const std::string& prefix) {
-    std::string rest;
-    for (size_t start = 0, end = 0; start < text.size(); start = end) {
-        end = std::min(text.find('\n', start), text.size() - 1) + 1;
-        if (text.compare(start, prefix.size(), prefix) != 0)
-            rest.append(text, start, end - start);
-    }
-    return rest;
 }
 
 extern "C" {
 
 // QMI
 
-int qmi_client_notifier_init(qmi_idl_service_object_type, qmi_client_os_params*, qmi_client_type* notifier) {
+int qmi_client_notifier_init(qmi_idl_service_object_type service, qmi_client_os_params*,
+                             qmi_client_type* notifier) {
     *notifier = nullptr;
-    return make_client(notifier, call(platform().notifier_init, 0, notifier));
+    return make_client(service, notifier, call(platform().notifier_init, 0, notifier));
 }
 
 int qmi_client_get_service_list(qmi_idl_service_object_type, qmi_service_info* array, unsigned* entries,
@@ -154,18 +104,18 @@ int qmi_cci_os_signal_wait(qmi_client_os_params*, unsigned timeout_ms) {
     return call(platform().signal_wait, 0, timeout_ms);
 }
 
-int qmi_client_init(qmi_service_info*, qmi_idl_service_object_type, qmi_client_ind_cb ind_cb, void*,
+int qmi_client_init(qmi_service_info*, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb, void*,
                     qmi_client_os_params*, qmi_client_type* client) {
     platform().ind_cb = ind_cb;
     *client = nullptr;
-    return make_client(client, call(platform().client_init, 0, client));
+    return make_client(service, client, call(platform().client_init, 0, client));
 }
 
-int qmi_client_init_instance(qmi_idl_service_object_type, unsigned, qmi_client_ind_cb ind_cb, void*,
+int qmi_client_init_instance(qmi_idl_service_object_type service, unsigned, qmi_client_ind_cb ind_cb, void*,
                              qmi_client_os_params*, uint32_t timeout_ms, qmi_client_type* client) {
     platform().ind_cb = ind_cb;
     *client = nullptr;
-    return make_client(client, call(platform().client_init_instance, 0, timeout_ms, client));
+    return make_client(service, client, call(platform().client_init_instance, 0, timeout_ms, client));
 }
 
 int qmi_client_register_error_cb(qmi_client_type client, qmi_client_error_cb error_cb, void*) {
@@ -193,33 +143,6 @@ int qmi_client_message_decode(qmi_client_type, qmi_idl_type_of_message_type type
 int qmi_client_release(qmi_client_type client) {
     ++platform().releases;
     return call(platform().release, 0, client);
-}
-
-int32_t qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type, qmi_idl_type_of_message_type type,
-                                         uint16_t message_id, uint32_t* len) {
-    *len = 0;
-    return call(platform().c_struct_len, int32_t{0}, type, message_id, len);
-}
-
-// Service objects: told apart by their address alone.
-
-static const qmi_idl_service_object kUim{6, 1, UIM_SERVICE_ID, 0, nullptr, 0};
-static const qmi_idl_service_object kVs{6, 1, VS_SERVICE_ID, 0, nullptr, 0};
-static const qmi_idl_service_object kSar{6, 1, SAR_SERVICE_ID, 0, nullptr, 0};
-static const qmi_idl_service_object kNas{6, 1, NAS_SERVICE_ID, 0, nullptr, 0};
-
-qmi_idl_service_object_type uim_get_service_object_internal_v01(int32_t major, int32_t minor,
-                                                                int32_t library) {
-    return major == 1 && minor == 100 && library == 6 ? &kUim : nullptr;
-}
-qmi_idl_service_object_type vs_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
-    return &kVs;
-}
-qmi_idl_service_object_type sar_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
-    return &kSar;
-}
-qmi_idl_service_object_type nas_get_service_object_internal_v01(int32_t, int32_t, int32_t) {
-    return &kNas;
 }
 
 // Diag

@@ -1,9 +1,7 @@
 // The seam as a test sees it: every call has a hook that the test may replace, and a default that succeeds.
-// Hooks run on whatever thread the unit under test calls from. A test that derives from PlatformTest starts
-// with a fresh double.
+// Hooks run on whatever thread the unit under test calls from.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <cstdint>
@@ -27,8 +25,7 @@ struct QmiRequest {
 };
 
 struct PlatformDouble {
-    // QMI. A client is any non-null pointer; the default one is &client_token.
-    int client_token = 0;
+    // QMI. A client is any non-null pointer; the default one is the address of its service's description.
     std::function<int(qmi_client_type* notifier)> notifier_init;
     std::function<int(qmi_service_info* array, unsigned* entries, unsigned* services)> get_service_list;
     std::function<int(unsigned timeout_ms)> signal_wait;
@@ -95,31 +92,11 @@ struct PlatformDouble {
 /// The double in force.
 PlatformDouble& platform();
 
+/// Puts a fresh double in force, and no allocation fails.
+void renew_platform();
+
 /// The n-th (from 1) following malloc or calloc of the code under test, on any thread, fails once; 0: none.
 void fail_malloc(int n);
 
 /// Waits until every thread that the code under test has created is over.
 void wait_for_threads();
-
-class PlatformTest : public testing::Test {
-protected:
-    PlatformTest();
-    ~PlatformTest() override;
-
-    /// What `action` prints on standard output.
-    static std::string printed_by(const std::function<void()>& action);
-};
-
-/// Runs a command group on the command line "vxk" and the words, or the words of a line parted by blanks.
-/// Returns its result.
-int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words);
-int run_line(int (*group)(int argc, char** argv), const std::string& line);
-
-/// Text with the numbers of "RIL[function:line]" replaced by '#'.
-std::string mask_lines(const std::string& text);
-
-/// Text with what stands before the messages of log lines, "RIL[function:line]: ", taken off.
-std::string without_sites(const std::string& text);
-
-/// Text without its lines that start with `prefix`.
-std::string without_lines(const std::string& text, const std::string& prefix);

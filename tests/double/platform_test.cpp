@@ -1,0 +1,54 @@
+#include "platform_test.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <regex>
+#include <sstream>
+
+PlatformTest::PlatformTest() {
+    renew_platform();
+}
+
+PlatformTest::~PlatformTest() {
+    fail_malloc(0);
+}
+
+std::string PlatformTest::printed_by(const std::function<void()>& action) {
+    testing::internal::CaptureStdout();
+    action();
+    fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+}
+
+int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words) {
+    words.insert(words.begin(), "vxk");
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    return group(static_cast<int>(words.size()), argv.data());
+}
+
+int run_line(int (*group)(int argc, char** argv), const std::string& line) {
+    std::istringstream words(line);
+    return run_words(group, {std::istream_iterator<std::string>(words), {}});
+}
+
+std::string mask_lines(const std::string& text) {
+    return std::regex_replace(text, std::regex("RIL\\[([^:\\]]*):\\d+\\]"), "RIL[$1:#]");
+}
+
+std::string without_sites(const std::string& text) {
+    return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
+}
+
+std::string without_lines(const std::string& text, const std::string& prefix) {
+    std::string rest;
+    for (size_t start = 0, end = 0; start < text.size(); start = end) {
+        end = std::min(text.find('\n', start), text.size() - 1) + 1;
+        if (text.compare(start, prefix.size(), prefix) != 0)
+            rest.append(text, start, end - start);
+    }
+    return rest;
+}
