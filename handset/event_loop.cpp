@@ -82,12 +82,15 @@ int EventLoop::step(int timeout_ms) {
     if (count < 0 && errno != EINTR)
         throw system_error("cannot wait for events", errno);
     for (int i = 0; i < count; ++i) {
+        // A copy: members of the packed structure must not be referred to.
+        const epoll_event event = events[static_cast<size_t>(i)];
+        const Token token = event.data.u64;
         // An earlier callback of this round may have forgotten the watch.
-        const auto found = watches_.find(events[static_cast<size_t>(i)].data.u64);
+        const auto found = watches_.find(token);
         if (found == watches_.end())
             continue;
         const std::shared_ptr<Watch> watch = found->second;
-        watch->ready(events[static_cast<size_t>(i)].events);
+        watch->ready(event.events);
     }
     return count;
 }
