@@ -77,6 +77,7 @@ std::vector<wire::Bytes> dci_events(wire::View response, std::vector<uint64_t> p
             pieces.push_back(response.size % kFullPiece);
     }
     std::vector<wire::Bytes> events;
+    events.reserve(pieces.size());
     wire::Reader reader(response);
     for (const uint64_t size : pieces)
         events.push_back(event_of(wire::kDiagEventDciResponse, reader.bytes(size)));

@@ -119,13 +119,14 @@ TEST(HandsetDiag, AnswersEveryOp) {
 }
 
 TEST(HandsetDiag, ThePeripheralKnowsTheStandardCommands) {
+    // "Mar 14 2024" "09:26:53" "Mar 15 2024" "12:00:00" "vxk.sim ", then eight bytes of numbers
+    const std::string version =
+        "< 40 00 00 4D 61 72 20 31 34 20 32 30 32 34 30 39 3A 32 36 3A 35 33 4D 61 72 20 31 35 20 32 30 "
+        "32 34 31 32 3A 30 30 3A 30 30 76 78 6B 2E 73 69 6D 20 2A 06 A5 00 01 02 01 00";
     hold({{"",
-           {kOpen, kOpened, "> 04 00 00 00 00 00", kSent,
-            // "Mar 14 2024" "09:26:53" "Mar 15 2024" "12:00:00" "vxk.sim ", then eight bytes of numbers
-            "< 40 00 00 4D 61 72 20 31 34 20 32 30 32 34 30 39 3A 32 36 3A 35 33 4D 61 72 20 31 35 20 32 30 "
-            "32 34 31 32 3A 30 30 3A 30 30 76 78 6B 2E 73 69 6D 20 2A 06 A5 00 01 02 01 00",
-            "> 04 00 00 00 00 7C", kSent, "< #62 40 00 7C 02 00 00 02 1B 0A 00 A5 0F 00 00 56 58 4B 2E",
-            "> 04 00 00 00 00 4B 12 00", kSent, "< 40 00 13 4B 12 00"}}});
+           {kOpen, kOpened, "> 04 00 00 00 00 00", kSent, version, "> 04 00 00 00 00 7C", kSent,
+            "< #62 40 00 7C 02 00 00 02 1B 0A 00 A5 0F 00 00 56 58 4B 2E", "> 04 00 00 00 00 4B 12 00", kSent,
+            "< 40 00 13 4B 12 00"}}});
 
     const TestFolder place;
     const RunningHandset handset(place);
