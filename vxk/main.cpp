@@ -1,5 +1,8 @@
 // vxk <option> <sub-option> <arguments...>: one test operation on the modem, printed. The exit status is 0
 // whatever the outcome.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -38,9 +41,19 @@ void run(int argc, char** argv) {
         kGroups[option - 1](argc, argv);
 }
 
+// The number of a standard stream that the caller has closed must not become a connection's: the lines that
+// are printed would be sent to the modem.
+void occupy_closed_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", O_RDWR);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    occupy_closed_streams();
     // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill loses no
     // line.
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

@@ -304,6 +304,16 @@ The system log has a copy of each debug log unless a property forbids.
   $ logged
   D vxk: rild print is stoped
 
+With its standard streams closed the tool sends its request, and no line goes anywhere else.
+
+  $ boot
+  $ command vxk 4 5 0 /x 1 <&- >&- 2>&-; efs 0/x
+   01
+  $ grep -c -e ' -> ' "$VXK_HANDSET_DIR/log/wire.log"; grep -c '^RIL' "$VXK_HANDSET_DIR/log/system.log"
+  1
+  0
+  [1]
+
 A handset that comes later is found.
 
   $ halt
