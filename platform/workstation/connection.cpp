@@ -195,9 +195,11 @@ ssize_t Connection::receive_now(int flags) {
     return size < 0 ? -errno : size;
 }
 
-/// The socket keeps its time limit, because callers mostly use the same one.
+/// May come back before the deadline with nothing. The socket keeps its time limit, because it is mostly the
+/// same one; a long one would be kept by the second, not by the millisecond.
 ssize_t Connection::receive_until(Clock::time_point deadline) {
-    const auto left = left_until(deadline);
+    constexpr Milliseconds kLongestLimit(1000);
+    const auto left = std::min(left_until(deadline), kLongestLimit);
     if (left.count() == 0)
         return receive_now(MSG_DONTWAIT);
     if (left != receive_limit_) {
