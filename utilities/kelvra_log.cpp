@@ -33,45 +33,44 @@ bool debug_copies_are_on() {
 
 using SystemLog = void (*)(const char* fmt, ...);
 
-__attribute__((format(printf, 3, 0))) void copy_to_system_log(SystemLog log, const KelvraLogSite& site,
-                                                              const char* fmt, va_list args) {
+// Both forms of one message. It is formatted once for both, unless it is longer than the system log keeps.
+__attribute__((format(printf, 4, 0))) void log_message(const KelvraLogSite& site, SystemLog copy,
+                                                       bool to_console, const char* fmt, va_list args) {
     char message[kSystemLogMax];
-    vsnprintf(message, sizeof message, fmt, args);
-    log("SUB[%s][%s:%d] %s: %s", "shell", site.unit, site.line, site.function, message);
-}
-
-__attribute__((format(printf, 2, 0))) void print_to_console(const KelvraLogSite& site, const char* fmt,
-                                                            va_list args) {
-    flockfile(stdout);
-    printf("RIL[%s:%d]: ", site.function, site.line);
-    vprintf(fmt, args);
-    putchar('\n');
-    funlockfile(stdout);
+    va_list again;
+    va_copy(again, args);
+    const int length = vsnprintf(message, sizeof message, fmt, args);
+    if (copy != nullptr)
+        copy("SUB[%s][%s:%d] %s: %s", "shell", site.unit, site.line, site.function, message);
+    if (to_console && length < static_cast<int>(sizeof message)) {
+        printf("RIL[%s:%d]: %s\n", site.function, site.line, message);
+    } else if (to_console) {
+        flockfile(stdout);
+        printf("RIL[%s:%d]: ", site.function, site.line);
+        vprintf(fmt, again);
+        putchar('\n');
+        funlockfile(stdout);
+    }
+    va_end(again);
 }
 
 }  // namespace
 
 void kelvra_log_debug(const KelvraLogSite& site, const char* fmt, ...) {
+    const SystemLog copy = debug_copies_are_on() ? kelvra_ril_syslog_dbg : nullptr;
+    const bool to_console = !g_quiet_mode;
+    if (copy == nullptr && !to_console)
+        return;
     va_list args;
-    if (debug_copies_are_on()) {
-        va_start(args, fmt);
-        copy_to_system_log(kelvra_ril_syslog_dbg, site, fmt, args);
-        va_end(args);
-    }
-    if (!g_quiet_mode) {
-        va_start(args, fmt);
-        print_to_console(site, fmt, args);
-        va_end(args);
-    }
+    va_start(args, fmt);
+    log_message(site, copy, to_console, fmt, args);
+    va_end(args);
 }
 
 void kelvra_log_error(const KelvraLogSite& site, const char* fmt, ...) {
     va_list args;
     va_start(args, fmt);
-    copy_to_system_log(kelvra_ril_syslog_err, site, fmt, args);
-    va_end(args);
-    va_start(args, fmt);
-    print_to_console(site, fmt, args);
+    log_message(site, kelvra_ril_syslog_err, true, fmt, args);
     va_end(args);
 }
 
