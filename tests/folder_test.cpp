@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "android/log.h"
 #include "cutils/properties.h"
@@ -100,10 +101,14 @@ TEST(SystemLog, HasALineAMessage) {
     write_log(LOG_CRIT, "%s", longest.c_str());
     EXPECT_GT(__android_log_print(ANDROID_LOG_INFO, "KOLVO", "%s", "\n"), 0);
     EXPECT_EQ(__android_log_print(ANDROID_LOG_SILENT, "KOLVO", "unheard"), 0);
+    // The library looks once a millisecond whether its file is still the right one.
+    const auto pass_a_look = [] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
     const TemporaryFolder other;
+    pass_a_look();
     write_log(LOG_WARNING, "to another folder");
     EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to another folder"));
     std::filesystem::remove_all(other.path("log"));
+    pass_a_look();
     write_log(LOG_WARNING, "to a new file");
     EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to a new file"));
     EXPECT_THAT(log_lines(folder.path("log/system.log")),

@@ -13,8 +13,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
+#include <string_view>
 
 #include "android/log.h"
 #include "folder.h"
@@ -27,16 +29,20 @@ namespace {
 class SystemLog {
 public:
     /// One append: lines of several threads and processes never mix.
-    bool append(const std::string& line) {
+    bool append(const char* line, size_t size, const timeval& now) {
         pthread_mutex_lock(&mutex_);
-        const bool written =
-            is_open() && write(fd_, line.data(), line.size()) == static_cast<ssize_t>(line.size());
+        const bool written = is_open(now) && write(fd_, line, size) == static_cast<ssize_t>(size);
         pthread_mutex_unlock(&mutex_);
         return written;
     }
 
 private:
-    bool is_open() {
+    // Looks once a millisecond: a look at every line would double what a line of a burst costs.
+    bool is_open(const timeval& now) {
+        const auto millisecond = now.tv_sec * int64_t{1000} + now.tv_usec / 1000;
+        if (fd_ >= 0 && millisecond == looked_at_)
+            return true;
+        looked_at_ = millisecond;
         const std::string folder = handset_folder();
         if (fd_ >= 0 && folder == folder_ && still_there())
             return true;
@@ -61,6 +67,7 @@ private:
     pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
     std::string folder_;
     int fd_ = -1;
+    int64_t looked_at_ = 0;
 };
 
 SystemLog& system_log() {
@@ -68,51 +75,84 @@ SystemLog& system_log() {
     return *log;
 }
 
-/// "MM-DD HH:MM:SS.mmm PID TID P TAG: "
-std::string line_head(char priority, const char* tag) {
-    timeval now;
-    gettimeofday(&now, nullptr);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    char head[96];
-    snprintf(head, sizeof head, "%02d-%02d %02d:%02d:%02d.%03d %d %d %c ", local.tm_mon + 1, local.tm_mday,
-             local.tm_hour, local.tm_min, local.tm_sec, static_cast<int>(now.tv_usec / 1000), getpid(),
-             gettid(), priority);
-    return std::string(head) + (tag ? tag : "") + ": ";
-}
+constexpr size_t kTagMax = 255;
+constexpr size_t kHeadMax = kTagMax + 100;
 
-__attribute__((format(printf, 2, 0))) void append_formatted(std::string& line, const char* fmt,
-                                                            va_list args) {
-    char usual[1024];
-    va_list again;
-    va_copy(again, args);
-    const int size = vsnprintf(usual, sizeof usual, fmt, args);
-    if (size > 0 && static_cast<size_t>(size) < sizeof usual) {
-        line.append(usual, static_cast<size_t>(size));
-    } else if (size > 0) {
-        const size_t start = line.size();
-        line.resize(start + static_cast<size_t>(size) + 1);
-        vsnprintf(&line[start], static_cast<size_t>(size) + 1, fmt, again);
-        line.pop_back();
+/// "MM-DD HH:MM:SS.mmm PID TID P TAG: ". Most lines come in bursts: what a thread's lines of one second share
+/// is made once.
+class Head {
+public:
+    /// Returns the length.
+    size_t write(char* out, const timeval& now, char priority, const char* tag) {
+        if (now.tv_sec != second_)
+            prepare(now.tv_sec);
+        char* end = append(out, time_);
+        for (long unit = 100'000; unit >= 1000; unit /= 10)
+            *end++ = static_cast<char>('0' + now.tv_usec / unit % 10);
+        end = append(end, ids_);
+        *end++ = priority;
+        *end++ = ' ';
+        end = append(end, tag ? std::string_view(tag).substr(0, kTagMax) : "");
+        end = append(end, ": ");
+        return static_cast<size_t>(end - out);
     }
-    va_end(again);
+
+private:
+    void prepare(time_t second) {
+        tm local{};
+        localtime_r(&second, &local);
+        strftime(time_, sizeof time_, "%m-%d %H:%M:%S.", &local);
+        snprintf(ids_, sizeof ids_, " %d %d ", getpid(), gettid());
+        second_ = second;
+    }
+
+    static char* append(char* out, std::string_view text) {
+        memcpy(out, text.data(), text.size());
+        return out + text.size();
+    }
+
+    time_t second_ = -1;
+    char time_[32];
+    char ids_[32];
+};
+
+thread_local Head t_head;
+
+/// Makes one line of a message: a line break at its end is dropped, one inside it becomes a blank. What
+/// stands behind the message is overwritten with the line's end.
+size_t finish_line(char* message, size_t size) {
+    if (size > 0 && message[size - 1] == '\n')
+        --size;
+    char* const end = message + size;
+    std::replace(message, end, '\n', ' ');
+    *end = '\n';
+    return size + 1;
 }
 
-/// One message, one line: a line break at its end is dropped, one inside it becomes a blank. The caller's
-/// errno is what
-/// "%m" prints, and stays as it is.
+/// One message, one line. The caller's errno is what "%m" prints, and stays as it is.
 __attribute__((format(printf, 3, 0))) bool log_message(char priority, const char* tag, const char* fmt,
                                                        va_list args) {
     const int callers_errno = errno;
-    std::string line = line_head(priority, tag);
-    const size_t start = line.size();
+    timeval now;
+    gettimeofday(&now, nullptr);
+    char usual[kHeadMax + 1024];
+    const size_t head = t_head.write(usual, now, priority, tag);
+    va_list again;
+    va_copy(again, args);
     errno = callers_errno;
-    append_formatted(line, fmt, args);
-    if (line.size() > start && line.back() == '\n')
-        line.pop_back();
-    std::replace(line.begin(), line.end(), '\n', ' ');
-    line.push_back('\n');
-    const bool written = system_log().append(line);
+    const int formatted = vsnprintf(usual + head, sizeof usual - head, fmt, args);
+    const size_t size = formatted > 0 ? static_cast<size_t>(formatted) : 0;
+    std::string unusual;
+    char* line = usual;
+    if (size >= sizeof usual - head) {
+        unusual.assign(usual, head);
+        unusual.resize(head + size + 1);
+        line = unusual.data();
+        errno = callers_errno;
+        vsnprintf(line + head, size + 1, fmt, again);
+    }
+    va_end(again);
+    const bool written = system_log().append(line, head + finish_line(line + head, size), now);
     errno = callers_errno;
     return written;
 }
