@@ -24,8 +24,10 @@ View Reader::bytes(size_t count) {
 }
 
 Writer& Writer::number(uint64_t value, size_t width) {
+    const size_t start = buffer_.size();
+    buffer_.resize(start + width);
     for (size_t i = 0; i < width; ++i)
-        buffer_.push_back(static_cast<uint8_t>(value >> (8 * i)));
+        buffer_[start + i] = static_cast<uint8_t>(value >> (8 * i));
     return *this;
 }
 

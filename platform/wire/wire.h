@@ -57,6 +57,8 @@ private:
 /// Appends little-endian numbers to a buffer.
 class Writer {
 public:
+    Writer() { buffer_.reserve(kUsualSize); }
+
     Writer& u8(uint8_t value) { return number(value, 1); }
     Writer& u16(uint16_t value) { return number(value, 2); }
     Writer& u32(uint32_t value) { return number(value, 4); }
@@ -75,6 +77,9 @@ public:
     Bytes take() { return std::move(buffer_); }
 
 private:
+    // Enough for most messages, so that the buffer does not grow byte by byte.
+    static constexpr size_t kUsualSize = 64;
+
     Bytes buffer_;
 };
 
