@@ -1,0 +1,4 @@
+/* The floor of every whole command: a process that only starts and ends. */
+int main(void) {
+    return 0;
+}

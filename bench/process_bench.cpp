@@ -1,0 +1,94 @@
+// Whole commands, from start to exit, against a C program that does nothing, started the same way.
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <vector>
+
+#include "benches.h"
+
+namespace bench {
+namespace {
+
+using Command = std::vector<std::string>;
+
+struct Outcome {
+    int wait_status = 0;
+    rusage usage{};
+};
+
+/// Runs a program with its standard output going to `out`, and waits for it.
+Outcome run(const Command& command, int out) {
+    std::vector<char*> arguments;
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
+    pid_t child = 0;
+    const int error = posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    Outcome outcome;
+    if (error != 0 || wait4(child, &outcome.wait_status, 0, &outcome.usage) != child)
+        give_up("cannot run " + command[0]);
+    return outcome;
+}
+
+/// What a command prints, which must fit a pipe.
+std::string output_of(const Command& command) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+        give_up("no pipe");
+    run(command, ends[1]);
+    close(ends[1]);
+    std::string output;
+    std::array<char, 4096> piece;
+    ssize_t size = 0;
+    while ((size = read(ends[0], piece.data(), piece.size())) > 0)
+        output.append(piece.data(), static_cast<size_t>(size));
+    close(ends[0]);
+    return output;
+}
+
+Command vxk(const std::string& words) {
+    Command command{VXK_PROGRAM};
+    for (size_t start = 0; start < words.size();) {
+        const size_t end = std::min(words.find(' ', start), words.size());
+        command.push_back(words.substr(start, end - start));
+        start = end + 1;
+    }
+    return command;
+}
+
+void run_silently(const Command& command) {
+    run(command, STDOUT_FILENO);
+}
+
+/// A command of the tool that must have printed `answer`: how fast it fails is of no interest.
+Side command_side(const std::string& words, const std::string& answer) {
+    const Command command = vxk(words);
+    const std::string output = output_of(command);
+    if (output.find(answer) == std::string::npos)
+        give_up("vxk " + words + " does not print \"" + answer + "\":\n" + output);
+    return {"vxk " + words, [command] { run_silently(command); }};
+}
+
+}  // namespace
+
+void compare_processes(Table& table) {
+    const Side empty{"empty C program", [] { run_silently({EMPTY_PROGRAM}); }};
+    run_silently(vxk("4 5 0 /nv/item_files/bench 1 2 255"));
+    const Side read_file = command_side("4 4 0 /nv/item_files/bench", "data:  01 02 FF");
+
+    constexpr double kMebibyte = 1024;  // ru_maxrss counts in KiB
+    const Outcome once = run(vxk("4 4 0 /nv/item_files/bench"), STDOUT_FILENO);
+    table.row("its peak memory", static_cast<double>(once.usage.ru_maxrss) / kMebibyte, "the limit", 8, "MB",
+              1);
+    table.compare(read_file, empty, 4);
+}
+
+}  // namespace bench
