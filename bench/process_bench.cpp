@@ -89,6 +89,8 @@ void compare_processes(Table& table) {
     table.row("its peak memory", static_cast<double>(once.usage.ru_maxrss) / kMebibyte, "the limit", 8, "MB",
               1);
     table.compare(read_file, empty, 4);
+    table.compare(command_side("5 0 0 0 3000 0x00", "rsp data len("), empty, 5);
+    table.compare(command_side("9 7 0", "ASDIV DATA: "), empty, 5);
 }
 
 }  // namespace bench
