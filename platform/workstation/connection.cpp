@@ -47,7 +47,8 @@ Connection::Connection(UniqueFd socket, const Protocol& protocol, std::function<
       protocol_(protocol),
       on_event_(std::move(on_event)),
       on_end_(std::move(on_end)),
-      buffer_(protocol.packet_max + 1) {
+      buffer_size_(protocol.packet_max + 1),
+      buffer_(new uint8_t[buffer_size_]) {
     watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
     watch(epoll_.get(), EPOLL_CTL_ADD, socket_.get(), EPOLLIN);
 }
@@ -191,7 +192,7 @@ void Connection::repeat_end() {
 
 /// One packet into the buffer. Returns its size, or the negative errno.
 ssize_t Connection::receive_now(int flags) {
-    const ssize_t size = recv(socket_.get(), buffer_.data(), buffer_.size(), flags);
+    const ssize_t size = recv(socket_.get(), buffer_.get(), buffer_size_, flags);
     return size < 0 ? -errno : size;
 }
 
@@ -213,7 +214,7 @@ ssize_t Connection::receive_until(Clock::time_point deadline) {
 /// Puts what was received where it belongs. The lock is held.
 void Connection::sort(ssize_t size) {
     if (size > 0)
-        return sort(wire::View(buffer_.data(), static_cast<size_t>(size)));
+        return sort(wire::View(buffer_.get(), static_cast<size_t>(size)));
     // An empty packet also reads as 0, and a reset is reported once, before the packets that came ahead of
     // it.
     const bool may_go_on = size == -EAGAIN || size == -EINTR || size == -ECONNRESET;

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -97,7 +98,9 @@ private:
     bool is_started_ = false;
 
     // Of whoever reads: the caller that is reader_, else the connection's thread under the lock.
-    std::vector<uint8_t> buffer_;
+    // Not cleared: most of it is never touched, and clearing it costs a short command more than its exchange.
+    const size_t buffer_size_;
+    const std::unique_ptr<uint8_t[]> buffer_;
     std::chrono::milliseconds receive_limit_{0};
 
     std::mutex mutex_;  // guards all that follows
