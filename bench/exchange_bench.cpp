@@ -101,7 +101,10 @@ Answer ready_modem(size_t file_length) {
 
 /// A folder of its own, in that of the handset, in which the modem is `answer`.
 void publish_modem(const Answer& answer) {
-    const std::string folder = std::string(getenv("VXK_HANDSET_DIR")) + "/bench";
+    const char* const handset = getenv("VXK_HANDSET_DIR");
+    if (handset == nullptr)
+        give_up("no handset: run it by scripts/bench");
+    const std::string folder = std::string(handset) + "/bench";
     setenv("VXK_HANDSET_DIR", folder.c_str(), 1);
     mkdir(folder.c_str(), 0700);
     mkdir((folder + "/qmi").c_str(), 0700);
