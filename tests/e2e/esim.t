@@ -619,6 +619,36 @@ A memory reset that is answered with something else leaves its channel open, and
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
   value=FAILED
 
+The handset tells what passed, and what it has become.
+
+  $ boot; quiet 4; quiet 5; quiet 3
+  PRESENT,PRESENT
+  value=SUCCEED
+  eID=89049032001001000000000000000023
+  $ sed -n 's/^.*qmi\/uim [0-9]* \([-<>]* re.*\) tlvs=.*/\1/p' "$VXK_HANDSET_DIR/log/wire.log"
+  -> request get_card_status(47) #1 extended=1
+  <- response get_card_status(47) #1 result=0 cards="present:1 present:1" extended_cards="present:1 present:1"
+  -> request open_logical_channel(66) #1 slot=2 aid=[A0 00 00 05 59 10 10 FF FF FF FF 89 00 00 01 00] fci=1
+  <- response open_logical_channel(66) #1 result=0 channel=1 sw=[90 00] select=[6F 12 84 10 A0 00 00 05 59 10 10 FF FF FF FF 89 00 00 01 00]
+  -> request send_apdu(59) #2 slot=2 apdu=[80 E2 91 00 07 BF 34 04 82 02 05 E0 00] channel=1 procedure_bytes=0
+  <- response send_apdu(59) #2 result=0 apdu=[BF 34 03 80 01 00 90 00]
+  -> request logical_channel(63) #3 slot=2 channel=1 terminate=1
+  <- response logical_channel(63) #3 result=0 sw=[90 00]
+  -> request get_eid(101) #1 slot=2
+  <- response get_eid(101) #1 result=0 eid=[89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23]
+  $ quiet 2
+  value=SUCCEED
+  $ show euicc; show uim
+  euicc
+    slot 2 wired  no
+    profiles      none
+    eid           89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23
+  
+  uim
+    slot 1  card slot, power on, logical channels open: 0
+    slot 2  card slot, power on, logical channels open: 0
+  
+
 Indications: 97 is decoded, others are only logged.
 
   $ boot '{"uim": {"indications": [{"before": 48}, {"before": 49, "tlvs": "01 0400 07000000"},
