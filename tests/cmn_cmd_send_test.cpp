@@ -99,6 +99,10 @@ TEST_F(CmnTest, NoHeaderNoConnection) {
     EXPECT_EQ(
         printed([] { EXPECT_EQ(kelvra_cmn_cmd_send(1, 0, nullptr), -3); }),
         "kelvra_cmn_cmd_send, t: 1, l: 0\nresult = 0, rsp.result = 0\nkelvra_extend_qmi_send_sync fail\n");
+    answer_with(Bytes(5, 1));
+    EXPECT_EQ(
+        printed([] { EXPECT_EQ(kelvra_cmn_cmd_send(1, 0, nullptr), -3); }),
+        "kelvra_cmn_cmd_send, t: 1, l: 0\nresult = 0, rsp.result = 1\nkelvra_extend_qmi_send_sync fail\n");
     platform().send = [](const QmiRequest&, void*) { return -2; };
     EXPECT_EQ(printed([] { EXPECT_EQ(kelvra_cmn_cmd_send(1, 0, nullptr), -3); }),
               "kelvra_cmn_cmd_send, t: 1, l: 0\nsend msg sync failed:-2\nresult = -3, rsp.result = 0\n"

@@ -29,10 +29,14 @@ int kelvra_cmn_cmd_send(int t, uint32_t l, const char* v) {
     kelvra_printf("result = %d, rsp.result = %d\n", result, rsp_result);
     if (result != 0)
         return fail(result);
+    if (arrived < kCommonEchoOffset)
+        return fail(kFailed);
     if (rsp_result != 0) {
         kelvra_puts("rsp.result fail");
         return result;
     }
+    if (arrived < kCommonValueOffset)
+        return fail(kFailed);
 
     // The echo word and the length word itself are dumped with the value.
     constexpr int kExtra = 8;
