@@ -76,8 +76,8 @@ protected:
         wire::Writer body;
         body.u8(1).u16(4).u32(4).u8(2).u16(4).u32(static_cast<uint32_t>(payload.size()));
         body.tlv(0x10, payload.data());
-        const auto answer = client.exchange(2, body.data());
-        wire::Reader reader(wire::find_tlv(answer.value_or(Bytes()), 0x10).value_or(wire::View()));
+        const Bytes answer = client.exchange(2, body.data()).value_or(Bytes());
+        wire::Reader reader(wire::find_tlv(answer, 0x10).value_or(wire::View()));
         reader.u32();
         return reader.i32();
     }
