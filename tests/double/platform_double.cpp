@@ -18,7 +18,9 @@ namespace {
 
 std::unique_ptr<PlatformDouble> g_platform = std::make_unique<PlatformDouble>();
 std::atomic<int> g_malloc_countdown{0};
-std::atomic<int> g_threads{0};  // created by the code under test and not over
+std::atomic<int> g_threads{0};            // created by the code under test and not over
+std::atomic<bool> g_is_selective{false};  // the double is for the threads under test alone
+thread_local bool t_is_under_test = false;
 
 using Lock = std::lock_guard<std::mutex>;
 
@@ -46,13 +48,19 @@ struct ThreadStart {
 
 void* counted_thread(void* param) {
     const std::unique_ptr<ThreadStart> start(static_cast<ThreadStart*>(param));
+    t_is_under_test = true;
     void* const result = start->body(start->arg);
     --g_threads;
     return result;
 }
 
+// Whether this thread's calls of the C library are none of the double's.
+bool is_bypassed() {
+    return g_is_selective && !t_is_under_test;
+}
+
 bool allocation_fails() {
-    if (g_malloc_countdown <= 0 || --g_malloc_countdown != 0)
+    if (is_bypassed() || g_malloc_countdown <= 0 || --g_malloc_countdown != 0)
         return false;
     errno = ENOMEM;
     return true;
@@ -77,6 +85,11 @@ void fail_malloc(int n) {
 void wait_for_threads() {
     while (g_threads != 0)
         std::this_thread::sleep_for(std::chrono::microseconds(100));
+}
+
+void select_thread(bool under_test) {
+    g_is_selective = true;
+    t_is_under_test = under_test;
 }
 
 void renew_platform() {
@@ -247,6 +260,9 @@ void vsyslog(int priority, const char* fmt, va_list args) {
 
 void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
+unsigned __real_sleep(unsigned seconds);
+int __real_usleep(unsigned microseconds);
+int __real_system(const char* command);
 int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg);
 
 void* __wrap_malloc(size_t size) {
@@ -259,6 +275,8 @@ void* __wrap_calloc(size_t count, size_t size) {
 }
 
 unsigned __wrap_sleep(unsigned seconds) {
+    if (is_bypassed())
+        return __real_sleep(seconds);
     {
         const Lock lock(platform().mutex);
         platform().sleeps.push_back(seconds);
@@ -267,6 +285,8 @@ unsigned __wrap_sleep(unsigned seconds) {
 }
 
 int __wrap_usleep(unsigned microseconds) {
+    if (is_bypassed())
+        return __real_usleep(microseconds);
     {
         const Lock lock(platform().mutex);
         platform().usleeps.push_back(microseconds);
@@ -275,6 +295,8 @@ int __wrap_usleep(unsigned microseconds) {
 }
 
 int __wrap_system(const char* command) {
+    if (is_bypassed())
+        return __real_system(command);
     {
         const Lock lock(platform().mutex);
         platform().commands.emplace_back(command);
@@ -283,6 +305,8 @@ int __wrap_system(const char* command) {
 }
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg) {
+    if (is_bypassed())
+        return __real_pthread_create(thread, attr, start, arg);
     if (platform().fail_thread_creation != 0)
         return platform().fail_thread_creation;
     ++g_threads;

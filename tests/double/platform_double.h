@@ -95,6 +95,11 @@ PlatformDouble& platform();
 /// Puts a fresh double in force, and no allocation fails.
 void renew_platform();
 
+/// For what is linked with the code under test and uses the C library itself: from the first call on, the
+/// double takes the C library over for this thread while it is under test, and for the threads that it
+/// creates meanwhile. Without a call every thread is under test.
+void select_thread(bool under_test);
+
 /// The n-th (from 1) following malloc or calloc of the code under test, on any thread, fails once; 0: none.
 void fail_malloc(int n);
 
