@@ -24,6 +24,7 @@ std::string PlatformTest::printed_by(const std::function<void()>& action) {
 int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words) {
     words.insert(words.begin(), "vxk");
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);

@@ -1,0 +1,107 @@
+// The extension channel, file transfer and the counters of the statistics feature, by the calls below: one
+// call of the input's choice, with arguments and buffer sizes from the input, then the modem's records.
+#include "finding.h"
+#include "kelvra_cmn_cmd_send.h"
+#include "kelvra_extend_cmn.h"
+#include "kelvra_extend_nvefs.h"
+#include "kelvra_modem_stats_debug.h"
+#include "modem.h"
+
+namespace {
+
+struct Path {
+    explicit Path(Input& input) : text(input.short_block()), length(static_cast<int>(text.size())) {}
+    const char* data() const { return reinterpret_cast<const char*>(text.data()); }
+
+    std::vector<uint8_t> text;
+    int length;
+};
+
+// A buffer of the size that the tool is told.
+struct Buffer {
+    explicit Buffer(Input& input) : bytes(input.u16()), length(static_cast<uint32_t>(bytes.size())) {}
+
+    std::vector<uint8_t> bytes;
+    uint32_t length;
+};
+
+struct Arguments {
+    explicit Arguments(Input& input)
+        : sub(input.u8() % 4 - 1), number(input.i32()), path(input), data(input.block()), buffer(input) {}
+
+    int sub;
+    int number;
+    Path path;
+    std::vector<uint8_t> data;
+    Buffer buffer;
+
+    uint32_t data_len() const { return static_cast<uint32_t>(data.size()); }
+};
+
+void send(Arguments& a) {
+    kelvra_extend_qmi_send_sync(static_cast<uint32_t>(a.number), a.data.data(),
+                                static_cast<int>(a.data.size()), a.buffer.bytes.data(), &a.buffer.length);
+}
+
+void read_file(Arguments& a) {
+    kelvra_efs_read(a.sub, a.path.data(), a.path.length, a.buffer.bytes.data(), &a.buffer.length);
+}
+
+void write_file(Arguments& a) {
+    kelvra_efs_write(a.sub, a.path.data(), a.path.length, a.data.data(), a.data_len());
+}
+
+void delete_file(Arguments& a) {
+    kelvra_efs_delete(a.sub, a.path.data(), a.path.length);
+}
+
+void read_item(Arguments& a) {
+    kelvra_nv_read(a.sub, a.number, a.buffer.bytes.data(), &a.buffer.length);
+}
+
+void write_item(Arguments& a) {
+    kelvra_nv_write_ex(a.sub, a.number, a.data.data(), a.data_len());
+}
+
+void delete_item(Arguments& a) {
+    kelvra_nv_delete(a.sub, a.number);
+}
+
+void ask_by_code(Arguments& a) {
+    a.buffer.bytes.resize(kCommonResponseMax);
+    a.buffer.length = 0;
+    kelvra_common_qmi_req(static_cast<uint32_t>(a.number), a.buffer.bytes.data(), &a.buffer.length);
+}
+
+void ask_by_value(Arguments& a) {
+    a.buffer.bytes.resize(kCommonResponseMax);
+    a.buffer.length = 0;
+    kelvra_send_common_qmi_msg(static_cast<uint32_t>(a.number), a.data_len(), a.data.data(),
+                               a.buffer.bytes.data());
+}
+
+void send_cmn_command(Arguments& a) {
+    kelvra_cmn_cmd_send(a.number, a.data_len(), reinterpret_cast<const char*>(a.data.data()));
+}
+
+void show_counters(Arguments& a) {
+    kelvra_test_modem_stats_get_debug_info_do(a.sub);
+}
+
+constexpr void (*kCalls[])(Arguments&) = {
+    send,        read_file,   write_file,   delete_file,      read_item,     write_item,
+    delete_item, ask_by_code, ask_by_value, send_cmn_command, show_counters,
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Input input(data, size);
+    const auto call = kCalls[input.u8() % std::size(kCalls)];
+    Arguments arguments(input);
+    run_tool(input, [&] {
+        call(arguments);
+        require(arguments.buffer.length <= arguments.buffer.bytes.size(), "no more than fits is told");
+    });
+    return 0;
+}

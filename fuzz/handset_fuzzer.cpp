@@ -1,0 +1,173 @@
+// Packets into the services of a handset that has just been booted: records of `u8 port` and a block. Of
+// ports 1 to 4 (extension, UIM, statistics, SAR) the block is a request's `u16` message and its TLVs, of 0 a
+// diag packet; with bit 7 it is the packet as it stands. What comes back is held against the client library's
+// tables, and no file may appear outside the handset's folder.
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "event_loop.h"
+#include "finding.h"
+#include "handset.h"
+#include "input.h"
+#include "modem_statistics_v01.h"
+#include "qmi_codec.h"
+#include "specific_absorption_rate_v01.h"
+#include "user_identity_module_v01.h"
+#include "wire.h"
+
+namespace {
+
+// The world around the handset: a folder that holds nothing but the handset's own.
+class Ground {
+public:
+    Ground() {
+        require(mkdtemp(path_.data()) != nullptr, "a temporary folder can be made");
+        setenv("VXK_AT_DEVICE", (path_ + "/smd8").c_str(), 1);
+    }
+    ~Ground() { std::filesystem::remove_all(path_); }
+    Ground(const Ground&) = delete;
+    Ground& operator=(const Ground&) = delete;
+
+    std::string handset() const { return path_ + "/handset"; }
+
+    void check() const {
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
+            require(entry.path() == handset(), "a handset keeps to its folder");
+    }
+    void clear() const { std::filesystem::remove_all(handset()); }
+
+private:
+    std::string path_ =
+        std::filesystem::exists("/dev/shm") ? "/dev/shm/vxk-fuzz.XXXXXX" : "/tmp/vxk-fuzz.XXXXXX";
+};
+
+struct Place {
+    const char* socket;
+    qmi_idl_service_object_type service;  // null: the tables are not known here
+};
+
+std::array<Place, 5> places() {
+    return {{
+        {"diag", nullptr},
+        {"qmi/65508", nullptr},
+        {"qmi/11", uim_get_service_object_internal_v01(UIM_V01_IDL_MAJOR_VERS, UIM_V01_IDL_MINOR_VERS,
+                                                       UIM_V01_IDL_TOOL_VERS)},
+        {"qmi/65509", vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
+                                                         VS_V01_IDL_TOOL_VERS)},
+        {"qmi/17", sar_get_service_object_internal_v01(SAR_V01_IDL_MAJOR_VERS, SAR_V01_IDL_MINOR_VERS,
+                                                       SAR_V01_IDL_TOOL_VERS)},
+    }};
+}
+
+// One client's connection, made anew when the modem has closed it.
+class Line {
+public:
+    Line() = default;
+    ~Line() { hang_up(); }
+    Line(const Line&) = delete;
+    Line& operator=(const Line&) = delete;
+
+    void send(const std::string& path, const wire::Bytes& packet) {
+        if (fd_ < 0)
+            call(path);
+        if (::send(fd_, packet.data(), packet.size(), MSG_NOSIGNAL) < 0)
+            hang_up();
+    }
+
+    /// Nothing when no packet is there.
+    std::optional<wire::Bytes> receive() {
+        wire::Bytes packet(wire::kQmiPacketMax);
+        const ssize_t size = recv(fd_, packet.data(), packet.size(), 0);
+        if (size == 0)
+            hang_up();
+        if (size <= 0)
+            return std::nullopt;
+        packet.resize(static_cast<size_t>(size));
+        return packet;
+    }
+
+private:
+    void call(const std::string& path) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        fd_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        if (connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            hang_up();
+    }
+    void hang_up() {
+        if (fd_ >= 0)
+            close(fd_);
+        fd_ = -1;
+    }
+
+    int fd_ = -1;
+};
+
+void check_qmi(const wire::Bytes& bytes, const Place& place) {
+    const auto packet = wire::decode_qmi(bytes);
+    require(packet.has_value(), "what the modem sends is a packet");
+    const auto type = packet->flags == wire::kQmiResponse ? QMI_IDL_RESPONSE : QMI_IDL_INDICATION;
+    const auto* message = workstation::find_message(place.service, type, packet->message);
+    if (message == nullptr)
+        return;
+    std::vector<uint8_t> structure(message->c_struct_len);
+    require(workstation::decode_message(*message, packet->body, structure.data()),
+            "what the modem sends decodes");
+}
+
+wire::Bytes packet_of(uint8_t port, bool is_qmi, Input& input) {
+    const wire::Bytes block = input.block();
+    if (!is_qmi || (port & 0x80) != 0)
+        return block;
+    Input request(block.data(), block.size());
+    const uint16_t message = request.u16();
+    return wire::encode({wire::kQmiRequest, 1, message, request.rest()});
+}
+
+// What is ready now and what is due now.
+void turn(handset::EventLoop& loop) {
+    loop.after(std::chrono::milliseconds(0), [&] { loop.stop(); });
+    loop.run();
+    loop.drain();
+}
+
+void play(handset::EventLoop& loop, Input& input, const std::string& folder) {
+    constexpr int kPacketsMax = 24;
+    static const auto all_places = places();
+    std::array<Line, 5> lines;
+    for (int i = 0; i < kPacketsMax && !input.empty(); ++i) {
+        const uint8_t port = input.u8();
+        const size_t choice = (port & 0x7f) % all_places.size();
+        const Place& place = all_places[choice];
+        lines[choice].send(folder + "/" + place.socket, packet_of(port, choice != 0, input));
+        turn(loop);
+        while (const auto packet = lines[choice].receive()) {
+            if (choice != 0)
+                check_qmi(*packet, place);
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const Ground ground;
+    Input input(data, size);
+    {
+        handset::EventLoop loop;
+        handset::Handset phone(loop, ground.handset(),
+                               handset::parse_profile(R"({"modem": {"restart_ms": 0}})", "profile"));
+        play(loop, input, ground.handset());
+    }
+    ground.check();
+    ground.clear();
+    return 0;
+}
