@@ -124,7 +124,7 @@ void check_qmi(const wire::Bytes& bytes, const Place& place) {
 }
 
 wire::Bytes packet_of(uint8_t port, bool is_qmi, Input& input) {
-    const wire::Bytes block = input.block();
+    wire::Bytes block = input.block();
     if (!is_qmi || (port & 0x80) != 0)
         return block;
     Input request(block.data(), block.size());
