@@ -7,7 +7,7 @@
 #include "modem_statistics_v01.h"
 #include "network_access_service_v01.h"
 #include "qmi_codec.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 #include "user_identity_module_v01.h"
 
 namespace {

@@ -18,7 +18,7 @@
 #include "input.h"
 #include "modem_statistics_v01.h"
 #include "qmi_codec.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 #include "user_identity_module_v01.h"
 #include "wire.h"
 

@@ -2,7 +2,7 @@
 
 #include "android/log.h"
 #include "network_access_service_v01.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 
 namespace {
 

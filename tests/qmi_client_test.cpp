@@ -10,7 +10,7 @@
 
 #include "fake_service.h"
 #include "modem_statistics_v01.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 #include "user_identity_module_v01.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "kelvra_test_qmi_modem_stats.h"
 #include "modem_api.h"
 #include "platform_test.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "kelvra_extend_uim.h"
 #include "kelvra_log.h"
 #include "kelvra_qmi_test_cmn.h"
-#include "specific_absorption_rate_v01.h"
+#include "sar_v01.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
+#include "sar_v01.h"
 #include "service_tables.h"
-#include "specific_absorption_rate_v01.h"
 
 namespace workstation {
 

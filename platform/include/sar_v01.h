@@ -1,6 +1,6 @@
 /* The SAR service: the modem's current device state index. */
-#ifndef SPECIFIC_ABSORPTION_RATE_V01_H
-#define SPECIFIC_ABSORPTION_RATE_V01_H
+#ifndef SAR_V01_H
+#define SAR_V01_H
 
 #include "qmi_idl_lib.h"
 
