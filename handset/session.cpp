@@ -1,6 +1,6 @@
 #include "session.h"
 
-#include <spawn.h>
+#include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
@@ -89,19 +89,33 @@ Profile profile_of(const BootOptions& options) {
     return options.profile.empty() ? Profile() : load_profile(options.profile);
 }
 
-// Returns 0 or the errno that kept the command from starting.
+// Returns 0 or the errno that kept the command from starting, which the child sends through a pipe that a
+// started command closes. posix_spawn's own report does not come through user-mode emulation.
 int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (std::string& argument : command)
         arguments.push_back(argument.data());
     arguments.push_back(nullptr);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setsigmask(&attributes, &mask);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    const int error = posix_spawnp(&child, arguments[0], nullptr, &attributes, arguments.data(), environ);
-    posix_spawnattr_destroy(&attributes);
+
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0)
+        return errno;
+    child = fork();
+    int error = child < 0 ? errno : 0;
+    if (child == 0) {
+        sigprocmask(SIG_SETMASK, &mask, nullptr);
+        execvp(arguments[0], arguments.data());
+        error = errno;
+        const ssize_t sent = write(report[1], &error, sizeof error);
+        _exit(sent == sizeof error ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    close(report[1]);
+    if (child > 0 && read(report[0], &error, sizeof error) == sizeof error)
+        waitpid(child, nullptr, 0);
+    close(report[0]);
+    if (error != 0)
+        child = 0;
     return error;
 }
 

@@ -359,7 +359,7 @@ Cards that are absent or broken; no third one is expected.
   $ with_cards ''; quiet 4
   ABSENT,ABSENT
   $ with_cards '{}, {}, {}'
-  $ command vxk 5 10 4 0 2>&1 | cat; echo ${PIPESTATUS[0]}
+  $ command vxk 5 10 4 0 2>&1 | aborted; echo ${PIPESTATUS[0]}
   vxk: fatal: card 2 in the card status is out of range: there are 2 slots
   134
   $ command vxk 5 10 4 1 2>&1 | sed -n '/SIM\[/s/:[0-9]*\]/:#]/p; /fatal/p'

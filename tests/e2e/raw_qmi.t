@@ -49,11 +49,11 @@ Refused command lines.
 
 Numbers that are fatal, with what was printed before them.
 
-  $ command vxk 6 1 7 0x80000001 2>&1 | cat; echo ${PIPESTATUS[0]}
+  $ command vxk 6 1 7 0x80000001 2>&1 | aborted; echo ${PIPESTATUS[0]}
   kv_qmi req data(qmi_id: 1, len: 2[max: 500]):
   0x07 vxk: fatal: hexadecimal number 0x80000001 overflows 32 bits
   134
-  $ command vxk 6 1 0x$(printf '%051d' 0) 2>&1 | cat; echo ${PIPESTATUS[0]}
+  $ command vxk 6 1 0x$(printf '%051d' 0) 2>&1 | aborted; echo ${PIPESTATUS[0]}
   kv_qmi req data(qmi_id: 1, len: 1[max: 500]):
   vxk: fatal: hexadecimal number of 51 digits, at most 50 are read
   134

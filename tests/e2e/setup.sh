@@ -48,6 +48,9 @@ vxk() {
 # The tool's output without log and channel lines: what a script would keep.
 answer() { vxk "$@" | grep -avE '^(RIL\[|KELVRA_QMI_NV: |QMI client inited|kelvra_extend_qmi_)' || true; }
 
+# Output with an abort in it, without what user-mode emulation says of that.
+aborted() { grep -av '^qemu: uncaught target signal'; }
+
 # What a script wants to know of the handset's state.
 property() { printf '%s\n' "$(cat "$VXK_HANDSET_DIR/properties/$1" 2>/dev/null || echo "(unset)")"; }
 efs() { od -An -v -tx1 "$VXK_HANDSET_DIR/efs/$1" 2>/dev/null || echo "(no file)"; }
