@@ -165,13 +165,13 @@ Side library_side() {
     qmi_client_type client = nullptr;
     if (qmi_client_init_instance(&kService, QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, nullptr, 1000,
                                  &client) != QMI_NO_ERR)
-        give_up("the workstation library finds no service");
+        give_up("the Linux library finds no service");
     const auto exchange = [client] {
         static Message request{4, kPayloadMax, 1, {}};
         static Message response;
         if (qmi_client_send_msg_sync(client, kMessageId, &request, sizeof request, &response, sizeof response,
                                      3000) != QMI_NO_ERR)
-            give_up("an exchange through the workstation library failed");
+            give_up("an exchange through the Linux library failed");
     };
     return {"exchange through the library", exchange};
 }

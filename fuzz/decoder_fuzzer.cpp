@@ -1,4 +1,4 @@
-// The workstation library's decoder, by the tables of all services: `u8 service` (extension, UIM, statistics,
+// The Linux library's decoder, by the tables of all services: `u8 service` (extension, UIM, statistics,
 // SAR, NAS), `u8 kind` (request, response, indication), `u16 message`, then its TLVs. What decodes must
 // survive being encoded and decoded again, unless it cannot be encoded: a lenient count may stand above what
 // was kept.
@@ -39,17 +39,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     const auto service = service_of(input.u8());
     const auto type = static_cast<qmi_idl_type_of_message_type>(input.u8() % 3);
-    const auto* message = workstation::find_message(service, type, input.u16());
+    const auto* message = seam::find_message(service, type, input.u16());
     if (message == nullptr)
         return 0;
     Structure decoded(message->c_struct_len);
-    if (!workstation::decode_message(*message, input.rest(), decoded.data()))
+    if (!seam::decode_message(*message, input.rest(), decoded.data()))
         return 0;
-    const auto encoded = workstation::encode_message(*message, decoded.data());
+    const auto encoded = seam::encode_message(*message, decoded.data());
     if (!encoded)
         return 0;
     Structure again(message->c_struct_len);
-    require(workstation::decode_message(*message, *encoded, again.data()), "what was encoded decodes");
+    require(seam::decode_message(*message, *encoded, again.data()), "what was encoded decodes");
     require(again == decoded, "what was encoded decodes to the same");
     return 0;
 }

@@ -115,12 +115,11 @@ void check_qmi(const wire::Bytes& bytes, const Place& place) {
     const auto packet = wire::decode_qmi(bytes);
     require(packet.has_value(), "what the modem sends is a packet");
     const auto type = packet->flags == wire::kQmiResponse ? QMI_IDL_RESPONSE : QMI_IDL_INDICATION;
-    const auto* message = workstation::find_message(place.service, type, packet->message);
+    const auto* message = seam::find_message(place.service, type, packet->message);
     if (message == nullptr)
         return;
     std::vector<uint8_t> structure(message->c_struct_len);
-    require(workstation::decode_message(*message, packet->body, structure.data()),
-            "what the modem sends decodes");
+    require(seam::decode_message(*message, packet->body, structure.data()), "what the modem sends decodes");
 }
 
 wire::Bytes packet_of(uint8_t port, bool is_qmi, Input& input) {

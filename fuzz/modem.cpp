@@ -142,18 +142,18 @@ int take_structure(const Record& record, void* response, unsigned response_len) 
 }
 
 int take_tlvs(const Record& record, unsigned message, void* response) {
-    const auto* description = workstation::find_message(g_modem.service, QMI_IDL_RESPONSE, message);
-    return workstation::decode_message(*description, record.bytes, response) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
+    const auto* description = seam::find_message(g_modem.service, QMI_IDL_RESPONSE, message);
+    return seam::decode_message(*description, record.bytes, response) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
 }
 
 // What the client library asks of a request before it sends it.
 void check_request(const QmiRequest& request) {
-    const auto* sent = workstation::find_message(g_modem.service, QMI_IDL_REQUEST, request.message);
-    const auto* awaited = workstation::find_message(g_modem.service, QMI_IDL_RESPONSE, request.message);
+    const auto* sent = seam::find_message(g_modem.service, QMI_IDL_REQUEST, request.message);
+    const auto* awaited = seam::find_message(g_modem.service, QMI_IDL_RESPONSE, request.message);
     require(sent != nullptr && awaited != nullptr, "a request is one of its service");
     require(request.bytes.size() == sent->c_struct_len, "a request has its structure's size");
     require(request.response_len == awaited->c_struct_len, "a response has its structure's size");
-    require(workstation::encode_message(*sent, request.bytes.data()).has_value(), "a request can be encoded");
+    require(seam::encode_message(*sent, request.bytes.data()).has_value(), "a request can be encoded");
 }
 
 int answer(const QmiRequest& request, void* response) {
@@ -182,11 +182,11 @@ int answer(const QmiRequest& request, void* response) {
 
 int decode(qmi_idl_type_of_message_type type, unsigned message, const void* src, unsigned src_len, void* dst,
            unsigned dst_len) {
-    const auto* description = workstation::find_message(g_modem.service, type, message);
+    const auto* description = seam::find_message(g_modem.service, type, message);
     if (description == nullptr)
         return QMI_INTERNAL_ERR;
     require(dst_len == description->c_struct_len, "an indication is decoded into its structure");
-    return workstation::decode_message(*description, {src, src_len}, dst) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
+    return seam::decode_message(*description, {src, src_len}, dst) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
 }
 
 // Diag

@@ -3,7 +3,7 @@
 //
 //   kind               number        bytes
 //   0 structure        -             the C structure of a response
-//   1 TLVs             -             a response on the wire, decoded by the workstation library's tables
+//   1 TLVs             -             a response on the wire, decoded by the Linux library's tables
 //   2 error            1 + code % 5  -: the QMI library's error, negated
 //   3 indication       message       its TLVs; the next record goes on
 //   4 loss             -             -: the service is gone

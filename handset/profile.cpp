@@ -2,18 +2,13 @@
 
 #include <cstring>
 
-#include "handset_folder.h"
+#include "diag_packet.h"
+#include "folder.h"
 
 namespace handset {
 namespace {
 
 constexpr size_t kMostFaults = 1000;
-
-void read_profile(Section& section, ModemProfile& modem) {
-    auto time = static_cast<uint32_t>(modem.restart_time.count());
-    section.integer<uint32_t>("restart_ms", time, 0, 600'000);
-    modem.restart_time = std::chrono::milliseconds(time);
-}
 
 }  // namespace
 
@@ -29,8 +24,9 @@ Profile parse_profile(const std::string& text, const std::string& name) {
         root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
         root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });
         root.object("diag", [&](Section& section) { read_profile(section, profile.diag); });
-        root.list("faults", kMostFaults,
-                  [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
+        root.list("faults", kMostFaults, [&](Section& section) {
+            read_profile(section, profile.faults.emplace_back(), read_diag_op);
+        });
     });
     return profile;
 }

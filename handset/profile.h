@@ -2,11 +2,11 @@
 // beside its code; here they come together.
 #pragma once
 
-#include <chrono>
 #include <string>
 #include <vector>
 
 #include "cards.h"
+#include "core.h"
 #include "diag_profile.h"
 #include "euicc.h"
 #include "fault.h"
@@ -18,11 +18,6 @@
 #include "uim_profile.h"
 
 namespace handset {
-
-struct ModemProfile {
-    /// From the moment the services go away until they are back.
-    std::chrono::milliseconds restart_time{1000};
-};
 
 struct Profile {
     ModemProfile modem;

@@ -10,14 +10,14 @@
 
 namespace {
 
+using seam::decode_message;
+using seam::encode_message;
+using seam::find_message;
+using seam::number;
+using seam::optional;
 using testing::ElementsAreArray;
 using wire::Bytes;
 using wire::Writer;
-using workstation::decode_message;
-using workstation::encode_message;
-using workstation::find_message;
-using workstation::number;
-using workstation::optional;
 
 // A message with one element of each kind that the services leave out: bytes without a length of their own,
 // as in the extension service, a fixed array of numbers, and one whose items are wider in C.
@@ -33,12 +33,12 @@ struct Sample {
 };
 
 constexpr qmi_idl_element unprefixed_data() {
-    auto element = workstation::byte_array(0x10, 0, VXK_FIELD(Sample, data_len), VXK_FIELD(Sample, data));
+    auto element = seam::byte_array(0x10, 0, VXK_FIELD(Sample, data_len), VXK_FIELD(Sample, data));
     return optional(element, VXK_FIELD(Sample, data_valid));
 }
 
 constexpr qmi_idl_element fixed_numbers() {
-    auto element = workstation::byte_array(0x03, 0, {QMI_IDL_NO_OFFSET, 0}, VXK_FIELD(Sample, fixed));
+    auto element = seam::byte_array(0x03, 0, {QMI_IDL_NO_OFFSET, 0}, VXK_FIELD(Sample, fixed));
     element.wire_width = element.c_width = 2;
     element.stride = 2;
     element.bound = 2;
@@ -46,7 +46,7 @@ constexpr qmi_idl_element fixed_numbers() {
 }
 
 constexpr qmi_idl_element wide_numbers() {
-    auto element = workstation::byte_array(0x11, 2, VXK_FIELD(Sample, wide_len), VXK_FIELD(Sample, wide));
+    auto element = seam::byte_array(0x11, 2, VXK_FIELD(Sample, wide_len), VXK_FIELD(Sample, wide));
     element.wire_width = 2;
     element.c_width = 4;
     element.stride = 4;
@@ -61,7 +61,7 @@ constexpr qmi_idl_element kSampleElements[] = {
     unprefixed_data(),
     wide_numbers(),
 };
-constexpr qmi_idl_message kSample = workstation::message(QMI_IDL_REQUEST, 1, sizeof(Sample), kSampleElements);
+constexpr qmi_idl_message kSample = seam::message(QMI_IDL_REQUEST, 1, sizeof(Sample), kSampleElements);
 
 Writer sample_head(uint32_t data_len) {
     Writer body;

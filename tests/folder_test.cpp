@@ -1,4 +1,4 @@
-// What the workstation library keeps in the handset's folder by itself: properties and the system log.
+// What the Linux library keeps in the handset's folder by itself: properties and the system log.
 #include <gmock/gmock.h>
 #include <sys/syslog.h>
 

@@ -3,7 +3,7 @@
 
 #include "handset_fixture.h"
 
-#include "handset_folder.h"
+#include "folder.h"
 #include "hex_text.h"
 #include "profile.h"
 #include "show.h"

@@ -1,4 +1,4 @@
-// QMI and diag packets as bytes: what the workstation library and the simulated handset both speak. Neither
+// QMI and diag packets as bytes: what the Linux library and the simulated handset both speak. Neither
 // side's message layouts are known here, only how bytes, TLVs and packets are framed. Nothing here keeps
 // state; any thread.
 #pragma once

@@ -1,0 +1,84 @@
+// What every subject of a handset works with: the event loop, the folder, the logs, the faults, and the
+// modem's going away and coming back. It knows no subject; a subject is given it and puts its own ports in.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "event_loop.h"
+#include "fault.h"
+#include "folder.h"
+#include "port.h"
+#include "state_board.h"
+#include "wire_log.h"
+
+namespace handset {
+
+class Section;
+
+struct ModemProfile {
+    /// From the moment the services go away until they are back.
+    std::chrono::milliseconds restart_time{1000};
+};
+
+void read_profile(Section& section, ModemProfile& modem);
+
+class Core {
+public:
+    /// Takes the folder. Throws Error when it cannot be used.
+    Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem,
+         const std::vector<Fault>& faults);
+    Core(const Core&) = delete;
+    Core& operator=(const Core&) = delete;
+
+    EventLoop& loop() { return loop_; }
+    Folder& folder() { return folder_; }
+    WireLog& wire_log() { return wire_log_; }
+    FaultBook& faults() { return faults_; }
+    StateBoard& state() { return state_; }
+    ConnectionId next_connection() { return ++last_connection_; }
+
+    /// A line of the wire log about the modem itself: "restart", "dump".
+    void log_event(const std::string& what);
+
+    /// The value of an Android property; empty when it is unset.
+    std::string property(const std::string& name) const;
+
+    /// Every port calls this as it is made. It is published with the others and lives until they are
+    /// withdrawn for good.
+    void add_port(Port& port) { ports_.push_back(&port); }
+
+    /// Called whenever the modem has just gone away, to bring a subject's state to that after power-up.
+    void on_restart(std::function<void()> action) { restart_actions_.push_back(std::move(action)); }
+
+    /// Publishes all ports: the modem is up.
+    void start();
+    /// Withdraws them: the handset is switched off.
+    void stop();
+
+    /// Once the request at hand is answered, the modem goes away with all its connections, and comes back
+    /// after the profile's time. A modem that is away already stays away as long as it would have.
+    void restart_modem();
+    std::chrono::milliseconds restart_time() const { return modem_.restart_time; }
+
+private:
+    void publish();
+    void withdraw();
+    void go_away();
+
+    EventLoop& loop_;
+    const ModemProfile modem_;
+    Folder folder_;
+    WireLog wire_log_;
+    FaultBook faults_;
+    StateBoard state_;
+    std::vector<std::function<void()>> restart_actions_;
+    std::vector<Port*> ports_;
+    ConnectionId last_connection_ = 0;
+    unsigned restarts_ = 0;
+    bool away_ = false;
+};
+
+}  // namespace handset

@@ -1,0 +1,137 @@
+#include "fault.h"
+
+#include "qmi_names.h"
+
+namespace handset {
+namespace {
+
+constexpr uint32_t kLongestTimeMs = 600'000;
+constexpr size_t kLongestAnswer = 65535;
+
+constexpr Section::Choices<FaultAction> kActions = {
+    {"no_answer", FaultAction::kNoAnswer},
+    {"late", FaultAction::kLate},
+    {"result", FaultAction::kResult},
+    {"modem_result", FaultAction::kModemResult},
+    {"payload", FaultAction::kPayload},
+    {"tlvs", FaultAction::kTlvs},
+    {"cut", FaultAction::kCut},
+    {"close", FaultAction::kClose},
+    {"withdraw", FaultAction::kWithdraw},
+    {"restart", FaultAction::kRestart},
+};
+
+bool matches(const std::optional<uint32_t>& wanted, std::optional<uint32_t> found) {
+    return !wanted || wanted == found;
+}
+
+bool matches(const Fault& fault, const ExchangeKey& key) {
+    return fault.road == key.road && matches(fault.service, key.service) &&
+           matches(fault.message, key.message) && matches(fault.request, key.request) &&
+           matches(fault.code, key.code);
+}
+
+void read_match(Section& section, Fault& fault, ReadDiagOp read_diag_op) {
+    section.choice("road", fault.road, {{"qmi", Road::kQmi}, {"diag", Road::kDiag}});
+    if (fault.road == Road::kDiag)
+        return read_diag_op(section, "message", fault.message);
+    section.integer<uint32_t>("message", fault.message, 0, UINT16_MAX);
+    // A service is named, or given by its number.
+    std::string name;
+    if (section.is_name("service")) {
+        section.text("service", name, 20);
+        const auto id = service_id(name);
+        if (!id)
+            section.fail("service", "no service has this name");
+        fault.service = *id;
+    } else {
+        section.integer<uint32_t>("service", fault.service, 1, UINT16_MAX);
+    }
+    if (fault.service == kExtensionServiceId) {
+        section.integer("request", fault.request);
+        section.integer("code", fault.code);
+    }
+}
+
+void read_action(Section& section, Fault& fault) {
+    section.choice("action", fault.action, kActions);
+    uint32_t time = 0;
+    switch (fault.action) {
+        case FaultAction::kLate:
+        case FaultAction::kWithdraw:
+            section.require("ms");
+            section.integer<uint32_t>("ms", time, 0, kLongestTimeMs);
+            fault.time = std::chrono::milliseconds(time);
+            break;
+        case FaultAction::kResult:
+        case FaultAction::kModemResult:
+            section.require("result");
+            section.integer("result", fault.result);
+            break;
+        case FaultAction::kPayload:
+        case FaultAction::kTlvs:
+            section.require("bytes");
+            section.bytes("bytes", fault.bytes, kLongestAnswer);
+            break;
+        case FaultAction::kCut:
+            section.require("keep");
+            section.integer("keep", fault.keep);
+            break;
+        case FaultAction::kNoAnswer:
+        case FaultAction::kClose:
+        case FaultAction::kRestart:
+            break;
+    }
+    // There is nothing to be late or cut unless the modem has answered.
+    fault.acts = fault.action == FaultAction::kLate || fault.action == FaultAction::kCut;
+    if (!fault.acts)
+        section.boolean("acts", fault.acts);
+}
+
+void check_action_fits_road(Section& section, const Fault& fault) {
+    const bool extension = fault.road == Road::kQmi && fault.service == kExtensionServiceId;
+    const bool diag = fault.road == Road::kDiag;
+    if (fault.action == FaultAction::kPayload && !extension && !diag)
+        section.fail("action", "\"payload\" needs \"service\": \"extension\" or \"road\": \"diag\"");
+    if (fault.action == FaultAction::kModemResult && !extension)
+        section.fail("action", "\"modem_result\" needs \"service\": \"extension\"");
+    if (fault.action == FaultAction::kTlvs && diag)
+        section.fail("action", "\"tlvs\" needs \"road\": \"qmi\"");
+}
+
+}  // namespace
+
+const char* Fault::name() const {
+    for (const auto& entry : kActions) {
+        if (entry.second == action)
+            return entry.first;
+    }
+    return "";
+}
+
+void read_profile(Section& section, Fault& fault, ReadDiagOp read_diag_op) {
+    read_match(section, fault, read_diag_op);
+    section.integer("skip", fault.skip);
+    section.integer("hits", fault.hits);
+    section.require("action");
+    read_action(section, fault);
+    check_action_fits_road(section, fault);
+}
+
+const Fault* FaultBook::next(const ExchangeKey& key) {
+    for (size_t i = 0; i < faults_.size(); ++i) {
+        const Fault& fault = faults_[i];
+        const bool over = fault.hits != 0 && used_[i] >= uint64_t{fault.skip} + fault.hits;
+        if (over || !matches(fault, key))
+            continue;
+        if (used_[i] >= fault.skip) {
+            // An endless fault stays where it is.
+            used_[i] += fault.hits != 0 ? 1 : 0;
+            return &fault;
+        }
+        ++used_[i];
+    }
+    return nullptr;
+}
+
+}  // namespace handset

@@ -1,0 +1,82 @@
+// Faults: what a profile makes go wrong with exchanges on the modem's roads. A fault waits for exchanges that
+// match it, lets some pass, spoils some, and is over. One book holds the faults of all roads; the carrying
+// out is Port's.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "profile_section.h"
+#include "wire.h"
+
+namespace handset {
+
+enum class Road { kQmi, kDiag };
+
+/// What one request asks, as far as a fault may choose by it.
+struct ExchangeKey {
+    Road road = Road::kQmi;
+    uint32_t service = 0;             // QMI service id; 0 on the diag road
+    uint32_t message = 0;             // QMI message id; diag op
+    std::optional<uint32_t> request;  // extension service: request id
+    std::optional<uint32_t> code;     // common request: its code; NV and EFS access: the inner command
+};
+
+enum class FaultAction {
+    kNoAnswer,
+    kLate,
+    kResult,       // refuse with a result
+    kModemResult,  // extension service: the channel succeeds, the modem's own result is given
+    kPayload,      // extension service, diag: these bytes as the answer's payload
+    kTlvs,         // QMI: these bytes as the answer's TLV area
+    kCut,          // only the first bytes of the answer's TLV area (QMI) or behind its op (diag)
+    kClose,        // close the connection instead of answering
+    kWithdraw,     // withdraw the service for a time instead of answering
+    kRestart,      // restart the modem instead of answering
+};
+
+struct Fault {
+    // Absent: any.
+    Road road = Road::kQmi;
+    std::optional<uint32_t> service;
+    std::optional<uint32_t> message;
+    std::optional<uint32_t> request;
+    std::optional<uint32_t> code;
+
+    uint32_t skip = 0;
+    uint32_t hits = 1;  // 0: for ever
+
+    FaultAction action = FaultAction::kNoAnswer;
+    bool acts = false;  // whether the modem carries the request out before its answer is spoilt
+    std::chrono::milliseconds time{0};
+    int32_t result = 0;
+    wire::Bytes bytes;
+    uint32_t keep = 0;
+
+    /// The action's name in the profile and in the wire log.
+    const char* name() const;
+};
+
+/// Reads a diag op that the profile names or gives by its number; the diag road knows how.
+using ReadDiagOp = void (*)(Section& section, const char* key, std::optional<uint32_t>& number);
+
+void read_profile(Section& section, Fault& fault, ReadDiagOp read_diag_op);
+
+class FaultBook {
+public:
+    explicit FaultBook(const std::vector<Fault>& faults) : faults_(faults) {}
+
+    /// The fault that spoils this exchange, or null. Each exchange is to be asked for once: faults are looked
+    /// at in the profile's order, one that still lets exchanges pass counts this one and leaves it to the
+    /// next fault.
+    const Fault* next(const ExchangeKey& key);
+
+private:
+    std::vector<Fault> faults_;
+    std::vector<uint32_t> used_ = std::vector<uint32_t>(faults_.size(), 0);
+};
+
+}  // namespace handset

@@ -1,0 +1,99 @@
+// What a QMI service of the modem must say: its number and how it answers. Framing, connections, faults and
+// the wire log are QmiPort's; a new service is one class derived from QmiService and one line in
+// subjects.h.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "port.h"
+#include "qmi_names.h"
+#include "wire.h"
+
+namespace handset {
+
+class QmiPort;
+
+struct QmiRequest {
+    ConnectionId connection = 0;
+    uint16_t message = 0;
+    wire::View body;  // well-formed TLVs
+
+    /// The value of a TLV, empty when it is absent.
+    wire::View tlv(uint8_t type) const { return wire::find_tlv(body, type).value_or(wire::View()); }
+};
+
+struct QmiAnswer {
+    wire::Bytes body;
+    std::chrono::milliseconds delay{0};
+};
+
+class QmiService {
+public:
+    /// Puts the service into the handset, which publishes it with its other ports.
+    QmiService(Core& core, uint16_t id);
+    virtual ~QmiService();
+    QmiService(const QmiService&) = delete;
+    QmiService& operator=(const QmiService&) = delete;
+
+    uint16_t id() const { return id_; }
+
+    /// Carries a request out. A message that the service does not have is answered with
+    /// `refusal(kQmiErrorInvalidMessage)`.
+    virtual QmiAnswer handle(const QmiRequest& request) = 0;
+
+    /// The body of an answer with the given error and nothing else; 0 is success. The standard result, unless
+    /// the service has another.
+    virtual wire::Bytes refusal(uint32_t error) const;
+
+    /// Bodies that faults ask for; only the extension service knows payloads.
+    virtual wire::Bytes modem_result(const QmiRequest&, int32_t) const { return {}; }
+    virtual wire::Bytes payload(wire::View) const { return {}; }
+
+    /// Adds what a fault may choose by, beyond the message.
+    virtual void complete(ExchangeKey&, const QmiRequest&) const {}
+
+    virtual void connection_opened(ConnectionId) {}
+    virtual void connection_closed(ConnectionId) {}
+
+    /// For the wire log: the message's name, and its body, which is well-formed. As long as a service does
+    /// not decode it, each TLV is a field of its own.
+    virtual std::string message_name(uint16_t message) const;
+    virtual void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const;
+
+protected:
+    /// Sends an indication to all that are connected.
+    void indicate(uint16_t message, const wire::Bytes& body);
+    /// Sends one to a single connection.
+    void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
+
+private:
+    const uint16_t id_;
+    const std::unique_ptr<QmiPort> port_;
+};
+
+/// The standard result, TLV 0x02; error 0 is success. Further TLVs go behind it.
+wire::Writer qmi_result(uint32_t error = 0);
+
+/// The standard result of an answer, for the wire log. False when there is none.
+bool describe_result(wire::View body, WireLine& line);
+
+class QmiPort : public Port {
+public:
+    QmiPort(Core& core, QmiService& service);
+
+    void indicate(uint16_t message, const wire::Bytes& body);
+    void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
+    WireLine packet_line(ConnectionId connection, Direction direction, wire::View packet);
+    WireLine no_answer_line(ConnectionId connection, uint16_t transaction);
+
+protected:
+    void received(ConnectionId connection, wire::View packet) override;
+    void connection_opened(ConnectionId connection) override { service_.connection_opened(connection); }
+    void connection_closed(ConnectionId connection) override { service_.connection_closed(connection); }
+
+private:
+    QmiService& service_;
+};
+
+}  // namespace handset

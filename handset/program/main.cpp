@@ -1,0 +1,98 @@
+// The program vxk-handset: its command line, and one clear line for whatever ends it early.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "error.h"
+#include "folder.h"
+#include "session.h"
+#include "show.h"
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+void add_boot_options(CLI::App& command, handset::BootOptions& options, const std::string& without_dir) {
+    command.add_option("--dir", options.dir, "The handset's folder; " + without_dir)->type_name("DIR");
+    command.add_option("--profile", options.profile, "What kind of handset: a JSON file")->type_name("FILE");
+}
+
+void add_dir_option(CLI::App& command, std::string& dir) {
+    command
+        .add_option("--dir", dir, "The handset's folder, else $VXK_HANDSET_DIR, else /tmp/vxk-handset-<uid>")
+        ->type_name("DIR");
+}
+
+int run(int argc, char** argv) {
+    // Words behind "--" are the command's own; the parser must not look at them.
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    const auto end_of_options = std::find(words.begin(), words.end(), "--");
+    const std::vector<std::string> command(
+        end_of_options == words.end() ? end_of_options : end_of_options + 1, words.end());
+
+    CLI::App app(
+        "A simulated handset for vxk: modem services, diag, cards, EFS, NV and properties in one folder",
+        "vxk-handset");
+    app.require_subcommand(1);
+    handset::BootOptions options;
+    std::string dir;
+    bool follow = false;
+    bool system = false;
+    const std::string temporary = "a temporary one when it is not given";
+
+    CLI::App* run_app = app.add_subcommand("run", "Boot a handset, run a command against it, stop it");
+    add_boot_options(*run_app, options, temporary);
+    run_app->footer(
+        "The command follows behind \"--\": vxk-handset run -- vxk 4 1 0 10\n"
+        "Its status is that of this program.");
+    CLI::App* serve_app =
+        app.add_subcommand("serve", "Run a handset in the foreground until SIGINT or SIGTERM");
+    add_boot_options(*serve_app, options, "else $VXK_HANDSET_DIR, else /tmp/vxk-handset-<uid>");
+    CLI::App* shell_app =
+        app.add_subcommand("shell", "Boot a handset and open a shell in which vxk speaks to it");
+    add_boot_options(*shell_app, options, temporary);
+    CLI::App* show_app = app.add_subcommand("show", "Services, state, properties and files of a handset");
+    add_dir_option(*show_app, dir);
+    CLI::App* log_app = app.add_subcommand("log", "What the modem heard and said");
+    add_dir_option(*log_app, dir);
+    log_app->add_flag("--follow", follow, "Go on with new lines until interrupted");
+    log_app->add_flag("--system", system, "The system log instead of the wire log");
+
+    try {
+        // The parser takes its words from the back.
+        app.parse(std::vector<std::string>(std::make_reverse_iterator(end_of_options), words.rend()));
+        if (*run_app && command.empty())
+            throw CLI::RequiredError("A command behind \"--\"");
+        if (!*run_app && end_of_options != words.end())
+            throw CLI::ExtrasError({"--"});
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : kUsageError;
+    }
+
+    const std::string folder = dir.empty() ? handset::default_folder() : handset::resolved_folder(dir);
+    if (*show_app)
+        return handset::show(folder);
+    if (*log_app)
+        return handset::show_log(folder, system, follow);
+    if (*serve_app)
+        return handset::serve(options);
+    try {
+        return *run_app ? handset::run_command(options, command) : handset::run_shell(options);
+    } catch (const handset::Error& error) {
+        handset::complain(error.what());
+        return handset::kBootFailed;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        handset::complain(error.what());
+        return 1;
+    }
+}

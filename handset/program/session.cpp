@@ -1,0 +1,186 @@
+#include "session.h"
+
+#include <fcntl.h>
+#include <sys/epoll.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+
+#include "error.h"
+#include "handset.h"
+
+namespace handset {
+namespace {
+
+// While it lives, the given signals arrive as events of the loop.
+class Signals {
+public:
+    Signals(EventLoop& loop, std::initializer_list<int> numbers, const std::function<void(int)>& arrived)
+        : loop_(loop) {
+        sigset_t set;
+        sigemptyset(&set);
+        for (const int number : numbers)
+            sigaddset(&set, number);
+        sigprocmask(SIG_BLOCK, &set, &before_);
+        fd_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+        if (fd_ < 0)
+            throw system_error("cannot receive signals", errno);
+        watch_ = loop_.watch(fd_, EPOLLIN, [this, arrived](uint32_t) {
+            signalfd_siginfo info{};
+            while (read(fd_, &info, sizeof info) == sizeof info)
+                arrived(static_cast<int>(info.ssi_signo));
+        });
+    }
+    ~Signals() {
+        loop_.forget(watch_);
+        close(fd_);
+        sigprocmask(SIG_SETMASK, &before_, nullptr);
+    }
+    Signals(const Signals&) = delete;
+    Signals& operator=(const Signals&) = delete;
+
+    const sigset_t& before() const { return before_; }
+
+private:
+    EventLoop& loop_;
+    sigset_t before_{};
+    int fd_ = -1;
+    EventLoop::Token watch_ = 0;
+};
+
+// A folder that goes with its handset.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        const char* named = getenv("TMPDIR");
+        for (const char* place : {named, "/tmp"}) {
+            if (place == nullptr || *place == '\0' || strlen(place) > kLongestPlace)
+                continue;
+            path_ = std::string(place) + "/vxk-handset.XXXXXX";
+            if (mkdtemp(path_.data()) != nullptr)
+                return;
+        }
+        throw system_error("cannot create a temporary folder", errno);
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& path() const { return path_; }
+
+private:
+    static constexpr size_t kLongestPlace = 60;
+    std::string path_;
+};
+
+Profile profile_of(const BootOptions& options) {
+    return options.profile.empty() ? Profile() : load_profile(options.profile);
+}
+
+// Returns 0 or the errno that kept the command from starting, which the child sends through a pipe that a
+// started command closes. posix_spawn's own report does not come through user-mode emulation.
+int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) {
+    std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
+    for (std::string& argument : command)
+        arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0)
+        return errno;
+    child = fork();
+    int error = child < 0 ? errno : 0;
+    if (child == 0) {
+        sigprocmask(SIG_SETMASK, &mask, nullptr);
+        execvp(arguments[0], arguments.data());
+        error = errno;
+        const ssize_t sent = write(report[1], &error, sizeof error);
+        _exit(sent == sizeof error ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    close(report[1]);
+    if (child > 0 && read(report[0], &error, sizeof error) == sizeof error)
+        waitpid(child, nullptr, 0);
+    close(report[0]);
+    if (error != 0)
+        child = 0;
+    return error;
+}
+
+int status_of(int wait_status) {
+    return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
+}
+
+int run_in(const std::string& folder, const BootOptions& options, const std::vector<std::string>& command) {
+    EventLoop loop;
+    Handset handset(loop, folder, profile_of(options));
+    pid_t child = 0;
+    int wait_status = 0;
+    const Signals signals(loop, {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP}, [&](int number) {
+        if ((number == SIGTERM || number == SIGHUP) && child > 0)
+            kill(child, number);
+        if (number == SIGCHLD && child > 0 && waitpid(child, &wait_status, WNOHANG) == child) {
+            child = 0;
+            loop.stop();
+        }
+    });
+    setenv("VXK_HANDSET_DIR", handset.folder().c_str(), 1);
+    const int error = start(command, signals.before(), child);
+    if (error != 0) {
+        complain("cannot run " + command[0] + ": " + strerror(error));
+        return error == ENOENT ? 127 : 126;
+    }
+    loop.run();
+    // What the command sent last belongs to the run, though it did not wait for an answer.
+    loop.drain();
+    return status_of(wait_status);
+}
+
+}  // namespace
+
+int serve(const BootOptions& options) {
+    EventLoop loop;
+    // First of all, so that a signal during the boot does not leave the sockets behind.
+    const Signals signals(loop, {SIGINT, SIGTERM, SIGHUP}, [&loop](int) { loop.stop(); });
+    Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir),
+                    profile_of(options));
+    printf("vxk-handset: ready in %s\n", handset.folder().c_str());
+    fflush(stdout);
+    loop.run();
+    return 0;
+}
+
+int run_command(const BootOptions& options, const std::vector<std::string>& command) {
+    if (!options.dir.empty())
+        return run_in(resolved_folder(options.dir), options, command);
+    const TemporaryFolder temporary;
+    return run_in(temporary.path(), options, command);
+}
+
+int run_shell(const BootOptions& options) {
+    const char* named = getenv("SHELL");
+    const std::string shell = named != nullptr && *named != '\0' ? named : "/bin/sh";
+    printf(
+        "A handset is running. In this shell, try:\n"
+        "  vxk 4 5 0 /nv/item_files/demo 1 2 255    write a file on the modem\n"
+        "  vxk 4 4 0 /nv/item_files/demo            read it back\n"
+        "  vxk-handset show                         see what is there\n"
+        "  vxk-handset log                          see what the modem heard and said\n"
+        "  exit                                     switch the handset off\n");
+    fflush(stdout);
+    return run_command(options, {shell});
+}
+
+}  // namespace handset

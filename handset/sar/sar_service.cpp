@@ -1,0 +1,46 @@
+#include "sar_service.h"
+
+#include "core.h"
+#include "profile_section.h"
+
+namespace handset {
+namespace {
+
+constexpr uint16_t kGetDsi = 2;  // no request TLVs; the answer: the result, 0x10 u32
+constexpr uint8_t kTlvDsi = 0x10;
+
+}  // namespace
+
+void read_profile(Section& section, SarProfile& sar) {
+    section.integer("dsi", sar.dsi);
+    section.boolean("valid", sar.valid);
+}
+
+SarService::SarService(Core& core, const SarProfile& profile)
+    : QmiService(core, kSarServiceId), profile_(profile) {
+    core.state().set("sar", "dsi", profile_.valid ? std::to_string(profile_.dsi) : "none");
+}
+
+QmiAnswer SarService::handle(const QmiRequest& request) {
+    if (request.message != kGetDsi)
+        return {refusal(kQmiErrorInvalidMessage)};
+    wire::Writer body = qmi_result();
+    if (profile_.valid)
+        body.tlv(kTlvDsi, wire::Writer().u32(profile_.dsi).data());
+    return {body.take()};
+}
+
+std::string SarService::message_name(uint16_t message) const {
+    return message == kGetDsi ? "get_dsi" : "message";
+}
+
+void SarService::describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const {
+    const auto dsi = wire::find_tlv(body, kTlvDsi);
+    if (kind != wire::kQmiResponse || message != kGetDsi || (dsi && dsi->size != 4) ||
+        !describe_result(body, line))
+        return QmiService::describe(kind, message, body, line);
+    if (dsi)
+        line.unsigned_number("dsi", wire::Reader(*dsi).u32());
+}
+
+}  // namespace handset

@@ -1,0 +1,235 @@
+#include "statistics_service.h"
+
+#include <optional>
+
+#include "core.h"
+#include "profile_section.h"
+#include "statistics_records.h"
+
+namespace handset {
+namespace {
+
+// Request: 0x01 u32, 0x10 u8, 0x11 u8. The answer is the result.
+constexpr uint16_t kFeature = 3;
+// Request: 0x01 u16 subscription, 0x02 u16 request number, 0x03 list. Answer: the result, 0x10 list.
+// A list is u8 count, then u16 subscription, u16 type, u32 id, u16 length and the value each.
+constexpr uint16_t kValues = 0x207;
+
+constexpr uint16_t kSubscriptions = 2;
+constexpr size_t kRequestedMax = 10;
+
+// A profile may go beyond what a reader expects, one answer not beyond a packet.
+constexpr size_t kValueMax = 2000;
+constexpr uint8_t kEntriesMax = 20;
+constexpr size_t kValuesMax = 1000;
+constexpr size_t kIndicationsMax = 100;
+constexpr size_t kListMax = 65000;
+
+struct Entry {
+    uint16_t sub = 0;
+    uint16_t type = 0;
+    uint32_t id = 0;
+    wire::View value;
+};
+
+// Nothing when the list is not what its counts promise.
+std::optional<std::vector<Entry>> decode_list(std::optional<wire::View> list) {
+    if (!list)
+        return std::nullopt;
+    wire::Reader reader(*list);
+    std::vector<Entry> entries(reader.u8());
+    for (Entry& entry : entries) {
+        entry.sub = reader.u16();
+        entry.type = reader.u16();
+        entry.id = reader.u32();
+        entry.value = reader.bytes(reader.u16());
+    }
+    if (!reader.ok() || reader.left() != 0)
+        return std::nullopt;
+    return entries;
+}
+
+struct ValueRequest {
+    uint16_t sub = 0;
+    uint16_t number = 0;
+    std::vector<Entry> entries;
+};
+
+std::optional<ValueRequest> decode_value_request(wire::View body) {
+    const auto sub = wire::find_tlv(body, 0x01);
+    const auto number = wire::find_tlv(body, 0x02);
+    auto entries = decode_list(wire::find_tlv(body, 0x03));
+    if (!sub || sub->size != 2 || !number || number->size != 2 || !entries)
+        return std::nullopt;
+    return ValueRequest{wire::Reader(*sub).u16(), wire::Reader(*number).u16(), std::move(*entries)};
+}
+
+class AnswerList {
+public:
+    void add(const StatisticsValue& value) {
+        for (unsigned i = 0; i < value.entries && count_ < UINT8_MAX && entries_.size() < kListMax; ++i) {
+            entries_.u16(value.sub).u16(0).u32(value.id).u16(value.length).bytes(value.bytes);
+            ++count_;
+        }
+    }
+    wire::Bytes encode() const { return wire::Writer().u8(count_).bytes(entries_.data()).take(); }
+
+private:
+    wire::Writer entries_;
+    uint8_t count_ = 0;
+};
+
+void describe_entries(const std::vector<Entry>& entries, WireLine& line) {
+    line.number("entries", static_cast<int64_t>(entries.size()));
+    for (const Entry& entry : entries)
+        line.number("sub", entry.sub)
+            .number("type", entry.type)
+            .number("id", entry.id)
+            .bytes("value", entry.value);
+}
+
+bool describe_request(uint16_t message, wire::View body, WireLine& line) {
+    if (message == kValues) {
+        const auto request = decode_value_request(body);
+        if (!request)
+            return false;
+        line.number("sub", request->sub).number("number", request->number);
+        describe_entries(request->entries, line);
+        return true;
+    }
+    const auto value = wire::find_tlv(body, 0x01);
+    if (message != kFeature || !value || value->size != 4)
+        return false;
+    line.number("value", wire::Reader(*value).u32());
+    if (const auto first = wire::find_tlv(body, 0x10))
+        line.number("first", wire::Reader(*first).u8());
+    if (const auto second = wire::find_tlv(body, 0x11))
+        line.number("second", wire::Reader(*second).u8());
+    return true;
+}
+
+bool describe_response(uint16_t message, wire::View body, WireLine& line) {
+    const auto list = wire::find_tlv(body, 0x10);
+    const auto entries = decode_list(list);
+    if (!describe_result(body, line) || (list && (message != kValues || !entries)))
+        return false;
+    if (entries)
+        describe_entries(*entries, line);
+    return true;
+}
+
+// Where a profile's value for one data id and subscription stands for another, more or less.
+void read_value(Section& section, uint32_t id, uint16_t sub, StatisticsValue& value) {
+    value = {id, sub, 0, read_record(section, id, sub), 1};
+    if (value.bytes.empty())
+        section.require("raw");
+    section.bytes("raw", value.bytes, kValueMax);
+    uint16_t length = static_cast<uint16_t>(value.bytes.size());
+    section.integer<uint16_t>("length", length, 0, kValueMax);
+    value.bytes.resize(length);
+    value.length = length;
+
+    section.integer("answer_length", value.length);
+    section.integer("answer_id", value.id);
+    section.integer("answer_sub", value.sub);
+    section.integer<uint8_t>("entries", value.entries, 0, kEntriesMax);
+}
+
+}  // namespace
+
+StatisticsProfile::StatisticsProfile() {
+    for (const uint32_t id : record_ids()) {
+        for (uint16_t sub = 0; sub < kSubscriptions; ++sub) {
+            StatisticsValue& value = values[{id, sub}];
+            value = {id, sub, 0, default_record(id, sub), 1};
+            value.length = static_cast<uint16_t>(value.bytes.size());
+        }
+    }
+}
+
+void read_profile(Section& section, StatisticsProfile& statistics) {
+    section.list("values", kValuesMax, [&statistics](Section& entry) {
+        uint32_t id = 0;
+        std::optional<uint16_t> only;
+        entry.require("id");
+        entry.integer("id", id);
+        entry.integer<uint16_t>("sub", only, 0, kSubscriptions - 1);
+        for (uint16_t sub = only.value_or(0); sub <= only.value_or(kSubscriptions - 1); ++sub)
+            read_value(entry, id, sub, statistics.values[{id, sub}]);
+    });
+    section.list("indications", kIndicationsMax, [&statistics](Section& entry) {
+        read_profile(entry, statistics.indications.emplace_back());
+    });
+}
+
+StatisticsService::StatisticsService(Core& core, const StatisticsProfile& profile)
+    : QmiService(core, kStatisticsServiceId), profile_(profile) {
+    core.state().clear("statistics");
+    core.state().set("statistics", "values", profile_.values.size());
+    core.state().set("statistics", "indications", profile_.indications.size());
+}
+
+QmiAnswer StatisticsService::handle(const QmiRequest& request) {
+    if (request.message == kFeature)
+        return {set_feature(request)};
+    if (request.message == kValues)
+        return {values(request)};
+    return {refusal(kQmiErrorInvalidMessage)};
+}
+
+wire::Bytes StatisticsService::set_feature(const QmiRequest& request) {
+    if (request.tlv(0x01).size != 4)
+        return refusal(kQmiErrorMalformed);
+    say(StatisticsOccasion::kFeature);
+    return qmi_result().take();
+}
+
+wire::Bytes StatisticsService::values(const QmiRequest& request) {
+    const auto wanted = decode_value_request(request.body);
+    if (!wanted)
+        return refusal(kQmiErrorMalformed);
+    if (wanted->sub >= kSubscriptions || wanted->entries.size() > kRequestedMax)
+        return refusal(kQmiErrorInvalidArgument);
+    say(StatisticsOccasion::kValues);
+    AnswerList list;
+    const auto& known = profile_.values;
+    for (const Entry& entry : wanted->entries) {
+        const auto value = known.find({entry.id, wanted->sub});
+        if (value != known.end())
+            list.add(value->second);
+    }
+    return qmi_result().tlv(0x10, list.encode()).take();
+}
+
+void StatisticsService::say(StatisticsOccasion occasion) {
+    for (const StatisticsIndication& indication : profile_.indications) {
+        if (indication.on == occasion)
+            indicate(indication.message, indication.body);
+    }
+}
+
+void StatisticsService::connection_opened(ConnectionId connection) {
+    for (const StatisticsIndication& indication : profile_.indications) {
+        if (indication.on == StatisticsOccasion::kConnection)
+            indicate(indication.message, indication.body, connection);
+    }
+}
+
+std::string StatisticsService::message_name(uint16_t message) const {
+    return message == kFeature ? "feature" : message == kValues ? "values" : indication_name(message);
+}
+
+void StatisticsService::describe(wire::QmiFlags kind, uint16_t message, wire::View body,
+                                 WireLine& line) const {
+    WireLine decoded = line;
+    const bool whole = kind == wire::kQmiRequest      ? describe_request(message, body, decoded)
+                       : kind == wire::kQmiResponse   ? describe_response(message, body, decoded)
+                       : kind == wire::kQmiIndication ? describe_indication(message, body, decoded)
+                                                      : false;
+    if (whole)
+        line = decoded;
+    else
+        QmiService::describe(kind, message, body, line);
+}
+
+}  // namespace handset

@@ -1,0 +1,303 @@
+#include "connection.h"
+
+#include <poll.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+
+namespace seam {
+
+namespace {
+
+thread_local const Connection* t_own_connection = nullptr;
+
+// A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
+constexpr size_t kEventsMax = 256;
+
+using Milliseconds = std::chrono::milliseconds;
+
+Milliseconds left_until(Clock::time_point deadline) {
+    return std::max(std::chrono::ceil<Milliseconds>(deadline - Clock::now()), Milliseconds::zero());
+}
+
+bool peer_is_gone(int fd) {
+    pollfd watched{fd, POLLRDHUP, 0};
+    return poll(&watched, 1, 0) == 1;
+}
+
+void watch(int epoll, int operation, int fd, uint32_t events) {
+    epoll_event event{};
+    event.events = events;
+    event.data.fd = fd;
+    epoll_ctl(epoll, operation, fd, &event);
+}
+
+}  // namespace
+
+Connection::Connection(UniqueFd socket, const Protocol& protocol, std::function<void(wire::Bytes&)> on_event,
+                       std::function<void()> on_end)
+    : socket_(std::move(socket)),
+      wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      epoll_(epoll_create1(EPOLL_CLOEXEC)),
+      protocol_(protocol),
+      on_event_(std::move(on_event)),
+      on_end_(std::move(on_end)),
+      buffer_size_(protocol.packet_max + 1),
+      buffer_(new uint8_t[buffer_size_]) {
+    watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
+    watch(epoll_.get(), EPOLL_CTL_ADD, socket_.get(), EPOLLIN);
+}
+
+Connection::~Connection() {
+    close();
+}
+
+bool Connection::start() {
+    if (!wake_ || !epoll_)
+        return false;
+    // The process's signals belong to its own threads.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    is_started_ = pthread_create(&thread_, nullptr, thread_main, this) == 0;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return is_started_;
+}
+
+void Connection::close() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (is_closed_)
+            return;
+        is_closed_ = true;
+        shutdown(socket_.get(), SHUT_RDWR);
+        wake();
+    }
+    if (is_started_)
+        pthread_join(thread_, nullptr);
+}
+
+bool Connection::has_ended() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return has_ended_ || is_closed_;
+}
+
+bool Connection::is_own_thread() const {
+    return t_own_connection == this;
+}
+
+// Callers.
+
+Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Clock::time_point deadline,
+                                         wire::Bytes& answer) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (has_ended_ || is_closed_)
+        return Outcome::kEnded;
+    Request request{key, false, {}};
+    open_.push_back(&request);
+    if (!reader_)
+        start_reading(request);
+    lock.unlock();
+    Outcome outcome = send(packet, deadline);
+    lock.lock();
+    if (outcome == Outcome::kAnswered)
+        wait_for_answer(request, deadline, lock);
+    open_.erase(std::find(open_.begin(), open_.end(), &request));
+    if (reader_ == &request)
+        stop_reading();
+    if (outcome != Outcome::kAnswered)
+        return outcome;
+    answer = std::move(request.answer);
+    if (request.is_answered)
+        return Outcome::kAnswered;
+    return has_ended_ || is_closed_ ? Outcome::kEnded : Outcome::kTimedOut;
+}
+
+/// kAnswered: sent.
+Connection::Outcome Connection::send(wire::View packet, Clock::time_point deadline) {
+    for (;;) {
+        if (::send(socket_.get(), packet.data, packet.size, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
+            return Outcome::kAnswered;
+        if (errno == EINTR)
+            continue;
+        if (errno == EPIPE || errno == ECONNRESET) {
+            // A peer that takes no more has ended the connection, also if it goes on sending.
+            shutdown(socket_.get(), SHUT_RDWR);
+            return Outcome::kEnded;
+        }
+        if (errno != EAGAIN)
+            return Outcome::kRefused;
+        if (Clock::now() >= deadline)
+            return Outcome::kTimedOut;
+        pollfd watched{socket_.get(), POLLOUT, 0};
+        poll(&watched, 1, static_cast<int>(std::min<int64_t>(left_until(deadline).count(), INT_MAX)));
+    }
+}
+
+void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
+                                 std::unique_lock<std::mutex>& lock) {
+    bool is_late = false;
+    while (!request.is_answered && !has_ended_ && !is_closed_ && !is_late) {
+        if (!reader_)
+            start_reading(request);
+        const bool must_wait = events_.size() >= kEventsMax && !is_own_thread();
+        if (reader_ == &request && !must_wait) {
+            lock.unlock();
+            const ssize_t size = receive_until(deadline);
+            lock.lock();
+            sort(size);
+            is_late = !request.is_answered && Clock::now() >= deadline;
+        } else {
+            is_late = changed_.wait_until(lock, deadline) == std::cv_status::timeout;
+        }
+    }
+}
+
+// Taking the socket out of the thread's watch, and not only telling the thread to leave it alone, keeps the
+// answer from waking two threads. A peer that goes away is reported all the same.
+void Connection::start_reading(const Request& request) {
+    reader_ = &request;
+    watch(epoll_.get(), EPOLL_CTL_MOD, socket_.get(), 0);
+}
+
+void Connection::stop_reading() {
+    reader_ = nullptr;
+    watch(epoll_.get(), EPOLL_CTL_MOD, socket_.get(), EPOLLIN);
+    changed_.notify_all();
+}
+
+void Connection::wait_for_end() {
+    if (is_own_thread())
+        return on_end_();
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [this] { return is_closed_ || (has_ended_ && ends_done_ == ends_due_); });
+}
+
+void Connection::repeat_end() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!has_ended_)
+        return;
+    ++ends_due_;
+    wake();
+}
+
+// Whoever reads.
+
+/// One packet into the buffer. Returns its size, or the negative errno.
+ssize_t Connection::receive_now(int flags) {
+    const ssize_t size = recv(socket_.get(), buffer_.get(), buffer_size_, flags);
+    return size < 0 ? -errno : size;
+}
+
+/// May come back before the deadline with nothing. The socket keeps its time limit, because it is mostly the
+/// same one; a long one would be kept by the second, not by the millisecond.
+ssize_t Connection::receive_until(Clock::time_point deadline) {
+    constexpr Milliseconds kLongestLimit(1000);
+    const auto left = std::min(left_until(deadline), kLongestLimit);
+    if (left.count() == 0)
+        return receive_now(MSG_DONTWAIT);
+    if (left != receive_limit_) {
+        const timeval limit{left.count() / 1000, left.count() % 1000 * 1000};
+        setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+        receive_limit_ = left;
+    }
+    return receive_now(0);
+}
+
+/// Puts what was received where it belongs. The lock is held.
+void Connection::sort(ssize_t size) {
+    if (size > 0)
+        return sort(wire::View(buffer_.get(), static_cast<size_t>(size)));
+    // An empty packet also reads as 0, and a reset is reported once, before the packets that came ahead of
+    // it.
+    const bool may_go_on = size == -EAGAIN || size == -EINTR || size == -ECONNRESET;
+    if (!may_go_on && (size < 0 || peer_is_gone(socket_.get())))
+        end();
+}
+
+void Connection::sort(wire::View packet) {
+    const auto key = protocol_.answer_key(packet);
+    if (!key) {
+        events_.push_back(packet.copy());
+        return wake();
+    }
+    const auto asked = std::find_if(open_.begin(), open_.end(), [&](const Request* request) {
+        return request->key == *key && !request->is_answered;
+    });
+    if (asked == open_.end())
+        return;
+    (*asked)->answer = packet.copy();
+    (*asked)->is_answered = true;
+    if (*asked != reader_)
+        changed_.notify_all();
+}
+
+void Connection::end() {
+    has_ended_ = true;
+    ++ends_due_;
+    wake();
+}
+
+/// Makes every thread of the connection look again.
+void Connection::wake() {
+    changed_.notify_all();
+    if (!is_own_thread())
+        eventfd_write(wake_.get(), 1);
+}
+
+// The connection's thread.
+
+void* Connection::thread_main(void* self) {
+    auto* connection = static_cast<Connection*>(self);
+    t_own_connection = connection;
+    pthread_setname_np(pthread_self(), connection->protocol_.thread_name);
+    connection->run();
+    return nullptr;
+}
+
+void Connection::run() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (!is_closed_) {
+        if (!events_.empty()) {
+            wire::Bytes event = std::move(events_.front());
+            events_.pop_front();
+            changed_.notify_all();
+            lock.unlock();
+            on_event_(event);
+            lock.lock();
+        } else if (ends_done_ != ends_due_) {
+            const unsigned serving = ends_due_;
+            lock.unlock();
+            on_end_();
+            lock.lock();
+            ends_done_ = serving;
+            changed_.notify_all();
+        } else if (has_ended_) {
+            changed_.wait(lock);
+        } else {
+            sleep_until_something_happens(lock);
+        }
+    }
+}
+
+void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& lock) {
+    lock.unlock();
+    epoll_event happened{};
+    epoll_wait(epoll_.get(), &happened, 1, -1);
+    eventfd_t wakes = 0;
+    eventfd_read(wake_.get(), &wakes);
+    lock.lock();
+    if (!reader_)
+        return sort(receive_now(MSG_DONTWAIT));
+    // The socket ended, or was readable just before a caller took it over: the caller reads on.
+    changed_.wait(lock, [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); });
+}
+
+}  // namespace seam
