@@ -39,7 +39,7 @@ private:
 /// One end of a connection. Every wait gives up after five seconds.
 class Peer {
 public:
-    explicit Peer(seam::UniqueFd fd) : fd_(std::move(fd)) {}
+    explicit Peer(host::UniqueFd fd) : fd_(std::move(fd)) {}
 
     /// The next packet; empty when the other side has gone.
     wire::Bytes receive() {
@@ -56,10 +56,10 @@ public:
             EXPECT_TRUE(errno == EPIPE || errno == ECONNRESET) << strerror(errno);
         }
     }
-    void close() { fd_ = seam::UniqueFd(); }
+    void close() { fd_ = host::UniqueFd(); }
 
 private:
-    seam::UniqueFd fd_;
+    host::UniqueFd fd_;
 };
 
 class Listener {
@@ -78,10 +78,10 @@ public:
     Peer accept() {
         pollfd watched{fd_.get(), POLLIN, 0};
         EXPECT_EQ(poll(&watched, 1, 5000), 1) << "nobody connected";
-        return Peer(seam::UniqueFd(accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC)));
+        return Peer(host::UniqueFd(accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC)));
     }
 
 private:
     std::string path_;
-    seam::UniqueFd fd_;
+    host::UniqueFd fd_;
 };

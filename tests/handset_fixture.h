@@ -136,7 +136,7 @@ public:
         const auto answer = packet ? wire::decode_qmi(*packet) : std::nullopt;
         if (!answer || answer->flags != wire::kQmiResponse || answer->transaction != transaction_)
             return std::nullopt;
-        return answer->body;
+        return answer->body.copy();
     }
 
 private:

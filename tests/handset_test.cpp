@@ -369,7 +369,7 @@ TEST_F(HandsetTest, FaultsSpoilTheExchangesTheyName) {
             const auto answer = wire::decode_qmi(*packet);
             EXPECT_EQ(
                 packet->empty() ? "closed"
-                : answer        ? text_of(answer->body)
+                : answer        ? text_of(answer->body.copy())
                                 : "malformed",
                 wanted == "echo" ? "01 04 00 00 00 00 00 02 04 00 04 00 00 00 10 04 00 09 00 00 00" : wanted);
         }

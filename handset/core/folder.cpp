@@ -11,15 +11,13 @@
 #include <utility>
 
 #include "error.h"
+#include "file.h"
+#include "layout.h"
 
 namespace handset {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The longest socket name in the folder, and what a socket's whole name must stay under.
-constexpr char kLongestSocket[] = "/qmi/65535";
-constexpr size_t kSocketPathLimit = 100;
 
 struct flock whole_file_lock() {
     struct flock range {};
@@ -28,36 +26,11 @@ struct flock whole_file_lock() {
     return range;
 }
 
-int write_all(int fd, wire::View content) {
-    size_t done = 0;
-    while (done < content.size) {
-        const ssize_t count = write(fd, content.data + done, content.size - done);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return errno;
-        done += static_cast<size_t>(count);
-    }
-    return 0;
-}
-
-int write_new_file(const std::string& path, wire::View content) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0)
-        return errno;
-    const int error = write_all(fd, content);
-    if (close(fd) != 0 && error == 0)
-        return errno;
-    return error;
-}
-
 }  // namespace
 
 std::string default_folder() {
-    const char* named = getenv("VXK_HANDSET_DIR");
-    if (named != nullptr && *named != '\0')
-        return resolved_folder(named);
-    return "/tmp/vxk-handset-" + std::to_string(getuid());
+    const auto named = host::named_handset_folder();
+    return named ? resolved_folder(*named) : host::default_handset_folder();
 }
 
 std::string resolved_folder(const std::string& path) {
@@ -122,7 +95,7 @@ std::optional<std::string> read_text(const std::string& path) {
 }
 
 Folder::Folder(std::string path) : path_(std::move(path)) {
-    const size_t limit = kSocketPathLimit - 1 - (sizeof kLongestSocket - 1);
+    const size_t limit = host::kSocketPathMax - ("/" + host::qmi_place(UINT16_MAX)).size();
     if (path_.size() > limit)
         throw Error("the folder's name is too long for a socket (" + std::to_string(path_.size()) +
                     " characters, at most " + std::to_string(limit) + "): " + path_);
@@ -167,7 +140,7 @@ void Folder::lock() {
                     (owner > 0 ? " (process " + std::to_string(owner) + ")" : ""));
     }
     const std::string owner = std::to_string(getpid()) + "\n";
-    if (ftruncate(lock_fd_, 0) != 0 || write_all(lock_fd_, {owner.data(), owner.size()}) != 0)
+    if (ftruncate(lock_fd_, 0) != 0 || host::write_all(lock_fd_, owner.data(), owner.size()) != 0)
         throw system_error("cannot write in the folder " + path_, errno);
 }
 
@@ -187,18 +160,10 @@ std::string Folder::staging_name() {
 }
 
 int Folder::replace(const std::string& absolute_path, wire::View content) {
-    const std::string staged = staging_name();
-    int error = write_new_file(staged, content);
-    if (error == 0) {
-        std::error_code failed;
-        fs::create_directories(fs::path(absolute_path).parent_path(), failed);
-        error = failed.value();
-    }
-    if (error == 0 && rename(staged.c_str(), absolute_path.c_str()) != 0)
-        error = errno;
-    if (error != 0)
-        unlink(staged.c_str());
-    return error;
+    std::error_code failed;
+    fs::create_directories(fs::path(absolute_path).parent_path(), failed);
+    return failed ? failed.value()
+                  : host::replace_file(absolute_path, staging_name(), content.data, content.size);
 }
 
 }  // namespace handset

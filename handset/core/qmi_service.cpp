@@ -4,17 +4,12 @@
 #include <cstdio>
 #include <utility>
 
+#include "layout.h"
+
 namespace handset {
 namespace {
 
 constexpr uint8_t kTlvResult = 0x02;
-
-bool well_formed(wire::View body) {
-    wire::TlvReader reader(body);
-    while (reader.next()) {
-    }
-    return reader.ok();
-}
 
 class QmiExchange : public Exchange {
 public:
@@ -33,10 +28,10 @@ public:
     }
 
     Answer act() override {
-        if (!well_formed(packet_.body))
+        if (!wire::tlvs_are_whole(packet_.body))
             return {packed(service_.refusal(kQmiErrorMalformed)), {}};
         QmiAnswer answer = service_.handle(request_);
-        return {packed(std::move(answer.body)), answer.delay};
+        return {packed(answer.body), answer.delay};
     }
 
     wire::Bytes with_result(int32_t result) const override {
@@ -46,13 +41,13 @@ public:
         return packed(service_.modem_result(request_, result));
     }
     wire::Bytes with_payload(wire::View payload) const override { return packed(service_.payload(payload)); }
-    wire::Bytes with_tlvs(wire::View tlvs) const override { return packed(tlvs.copy()); }
+    wire::Bytes with_tlvs(wire::View tlvs) const override { return packed(tlvs); }
 
     wire::Bytes cut(wire::View packet, size_t keep) const override {
         auto answer = wire::decode_qmi(packet);
         if (!answer)
             return packet.copy();
-        answer->body.resize(std::min(keep, answer->body.size()));
+        answer->body.size = std::min(keep, answer->body.size);
         return wire::encode(*answer);
     }
 
@@ -64,8 +59,8 @@ public:
     }
 
 private:
-    wire::Bytes packed(wire::Bytes body) const {
-        return wire::encode({wire::kQmiResponse, packet_.transaction, packet_.message, std::move(body)});
+    wire::Bytes packed(wire::View body) const {
+        return wire::encode({wire::kQmiResponse, packet_.transaction, packet_.message, body});
     }
 
     QmiPort& port_;
@@ -132,8 +127,7 @@ void QmiService::indicate(uint16_t message, const wire::Bytes& body, ConnectionI
 }
 
 QmiPort::QmiPort(Core& core, QmiService& service)
-    : Port(core, "qmi/" + service_name(service.id()), "qmi/" + std::to_string(service.id()),
-           wire::kQmiPacketMax),
+    : Port(core, "qmi/" + service_name(service.id()), host::qmi_place(service.id()), wire::kQmiPacketMax),
       service_(service) {}
 
 void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
@@ -167,7 +161,7 @@ WireLine QmiPort::packet_line(ConnectionId connection, Direction direction, wire
         .word(service_.message_name(packet->message) + "(" + std::to_string(packet->message) + ")")
         .word("#" + std::to_string(packet->transaction));
     const auto kind = static_cast<wire::QmiFlags>(packet->flags);
-    if (well_formed(packet->body))
+    if (wire::tlvs_are_whole(packet->body))
         service_.describe(kind, packet->message, packet->body, entry);
     else
         service_.QmiService::describe(kind, packet->message, packet->body, entry);

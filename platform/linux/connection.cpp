@@ -39,8 +39,8 @@ void watch(int epoll, int operation, int fd, uint32_t events) {
 
 }  // namespace
 
-Connection::Connection(UniqueFd socket, const Protocol& protocol, std::function<void(wire::Bytes&)> on_event,
-                       std::function<void()> on_end)
+Connection::Connection(host::UniqueFd socket, const Protocol& protocol,
+                       std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end)
     : socket_(std::move(socket)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       epoll_(epoll_create1(EPOLL_CLOEXEC)),

@@ -39,7 +39,7 @@ public:
 
     /// `on_event` gets every packet that is no answer, in the order of arrival; `on_end` runs when the peer
     /// is gone and all events are delivered. Both on the connection's thread.
-    Connection(UniqueFd socket, const Protocol& protocol, std::function<void(wire::Bytes&)> on_event,
+    Connection(host::UniqueFd socket, const Protocol& protocol, std::function<void(wire::Bytes&)> on_event,
                std::function<void()> on_end);
     ~Connection();
     Connection(const Connection&) = delete;
@@ -88,9 +88,9 @@ private:
     void end();
     void wake();
 
-    const UniqueFd socket_;
-    const UniqueFd wake_;   // an eventfd
-    const UniqueFd epoll_;  // of the connection's thread: the socket and wake_
+    const host::UniqueFd socket_;
+    const host::UniqueFd wake_;   // an eventfd
+    const host::UniqueFd epoll_;  // of the connection's thread: the socket and wake_
     const Protocol protocol_;
     const std::function<void(wire::Bytes&)> on_event_;
     const std::function<void()> on_end_;

@@ -8,6 +8,7 @@
 #include "diag_lsm.h"
 #include "diag_lsm_dci.h"
 #include "folder.h"
+#include "layout.h"
 #include "wire.h"
 
 namespace seam {
@@ -133,7 +134,7 @@ bool Diag::open() {
     const std::lock_guard<std::mutex> session(session_mutex_);
     if (is_open())
         return true;
-    auto socket = connect_to(handset_folder() + "/diag");
+    auto socket = connect_to(host::kDiagPlace);
     if (!socket)
         return false;
     const auto fresh = std::make_shared<Connection>(

@@ -12,7 +12,9 @@
 #include <optional>
 #include <string>
 
-#include "folder.h"
+#include "file.h"
+#include "layout.h"
+#include "unique_fd.h"
 
 namespace seam {
 
@@ -26,12 +28,12 @@ bool is_name(const char* key) {
 }
 
 std::string properties_folder() {
-    return handset_folder() + "/properties";
+    return host::handset_folder() + "/" + host::kPropertiesPlace;
 }
 
 /// The stored value, or an empty one. A line end that an editor or a shell put behind it is not part of it.
 std::string read_value(const char* key) {
-    const UniqueFd file(open((properties_folder() + "/" + key).c_str(), O_RDONLY | O_CLOEXEC));
+    const host::UniqueFd file(open((properties_folder() + "/" + key).c_str(), O_RDONLY | O_CLOEXEC));
     char value[PROPERTY_VALUE_MAX + 1] = "";
     const ssize_t size = file ? read(file.get(), value, kValueMax + 1) : 0;
     value[size > 0 ? size : 0] = '\0';
@@ -39,21 +41,11 @@ std::string read_value(const char* key) {
     return std::string(value).substr(0, kValueMax);
 }
 
-bool write_file(const std::string& path, const char* value) {
-    const UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-    const size_t size = strlen(value);
-    return file && write(file.get(), value, size) == static_cast<ssize_t>(size);
-}
-
-/// Readers see the old value or the new one, also when this process is killed in between.
 bool replace_value(const char* key, const char* value) {
     const std::string folder = properties_folder();
     const std::string beside = folder + "/." + key + "." + std::to_string(gettid());
     mkdir(folder.c_str(), 0700);
-    if (write_file(beside, value) && rename(beside.c_str(), (folder + "/" + key).c_str()) == 0)
-        return true;
-    unlink(beside.c_str());
-    return false;
+    return host::replace_file(folder + "/" + key, beside, value, strlen(value)) == 0;
 }
 
 bool remove_value(const char* key) {

@@ -8,6 +8,7 @@
 
 #include "connection.h"
 #include "folder.h"
+#include "layout.h"
 #include "qmi_codec.h"
 #include "qmi_notifier.h"
 
@@ -17,8 +18,6 @@ namespace {
 
 using Outcome = Connection::Outcome;
 
-constexpr size_t kHeaderSize = 7;
-
 constexpr uint32_t request_key(uint16_t transaction, uint16_t message) {
     return static_cast<uint32_t>(transaction) << 16 | message;
 }
@@ -26,30 +25,18 @@ constexpr uint32_t request_key(uint16_t transaction, uint16_t message) {
 // A response is told by its first five bytes: one that is cut short behind them is still that request's, and
 // bad.
 std::optional<uint32_t> answered_request(wire::View packet) {
-    wire::Reader reader(packet);
-    const uint8_t flags = reader.u8();
-    const uint16_t transaction = reader.u16();
-    const uint16_t message = reader.u16();
-    if (!reader.ok() || flags != wire::kQmiResponse)
+    const auto head = wire::decode_qmi_head(packet);
+    if (!head || head->flags != wire::kQmiResponse)
         return std::nullopt;
-    return request_key(transaction, message);
+    return request_key(head->transaction, head->message);
 }
 
 constexpr Protocol kQmiProtocol{"QMI client", wire::kQmiPacketMax, answered_request};
 
-/// The TLVs of a packet, or nothing when its header does not tell their length.
-std::optional<wire::View> packet_body(wire::View packet) {
-    wire::Reader reader(packet);
-    reader.bytes(kHeaderSize - sizeof(uint16_t));
-    const size_t length = reader.u16();
-    if (!reader.ok() || length != reader.left())
-        return std::nullopt;
-    return reader.rest();
-}
-
 class Client {
 public:
-    Client(UniqueFd socket, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb, void* ind_cb_data)
+    Client(host::UniqueFd socket, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb,
+           void* ind_cb_data)
         : service_(service),
           ind_cb_(ind_cb),
           ind_cb_data_(ind_cb_data),
@@ -77,15 +64,10 @@ public:
         if (!body || body->size() > UINT16_MAX)
             return QMI_INTERNAL_ERR;
         const uint16_t transaction = next_transaction();
-        wire::Writer packet;
-        packet.u8(wire::kQmiRequest)
-            .u16(transaction)
-            .u16(request.message_id)
-            .u16(static_cast<uint16_t>(body->size()))
-            .bytes(*body);
+        const auto packet = wire::encode({wire::kQmiRequest, transaction, request.message_id, *body});
         wire::Bytes answer;
-        switch (connection_.exchange(packet.data(), request_key(transaction, request.message_id), deadline,
-                                     answer)) {
+        switch (
+            connection_.exchange(packet, request_key(transaction, request.message_id), deadline, answer)) {
             case Outcome::kAnswered:
                 return decode_answer(response, answer, result);
             case Outcome::kEnded:
@@ -101,8 +83,8 @@ public:
 private:
     static qmi_client_error_type decode_answer(const qmi_idl_message& response, const wire::Bytes& answer,
                                                void* result) {
-        const auto body = packet_body(answer);
-        return body && decode_message(response, *body, result) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
+        const auto packet = wire::decode_qmi(answer);
+        return packet && decode_message(response, packet->body, result) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
     }
 
     /// Never 0, which stands for an indication.
@@ -113,12 +95,12 @@ private:
         return transaction;
     }
 
-    void indicate(wire::Bytes& packet) {
-        const auto body = packet_body(packet);
-        if (!body || packet[0] != wire::kQmiIndication || !ind_cb_)
+    void indicate(wire::Bytes& bytes) {
+        const auto packet = wire::decode_qmi(bytes);
+        if (!packet || packet->flags != wire::kQmiIndication || !ind_cb_)
             return;
-        const unsigned message = static_cast<unsigned>(packet[3] | packet[4] << 8);
-        ind_cb_(this, message, packet.data() + kHeaderSize, static_cast<unsigned>(body->size), ind_cb_data_);
+        ind_cb_(this, packet->message, bytes.data() + wire::kQmiHeaderSize,
+                static_cast<unsigned>(packet->body.size), ind_cb_data_);
     }
 
     void report_loss() {
@@ -186,7 +168,7 @@ Clients& clients() {
     return *all;
 }
 
-qmi_client_error_type make_client(UniqueFd socket, qmi_idl_service_object_type service,
+qmi_client_error_type make_client(host::UniqueFd socket, qmi_idl_service_object_type service,
                                   qmi_client_ind_cb ind_cb, void* ind_cb_data, qmi_client_type* handle) {
     auto client = std::make_shared<Client>(std::move(socket), service, ind_cb, ind_cb_data);
     clients().add(client);
@@ -223,7 +205,7 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info* instance,
     if (!instance || !service || !client)
         return QMI_INTERNAL_ERR;
     *client = nullptr;
-    auto socket = seam::connect_to(seam::qmi_socket_path(service->service_id));
+    auto socket = seam::connect_to(host::qmi_place(service->service_id));
     if (!socket || instance->info[0] != service->service_id)
         return QMI_SERVICE_ERR;
     return seam::make_client(std::move(socket), service, ind_cb, ind_cb_data, client);
@@ -239,7 +221,7 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
     for (;;) {
         const auto now = Clock::now();
-        auto socket = seam::connect_to(seam::qmi_socket_path(service->service_id));
+        auto socket = seam::connect_to(host::qmi_place(service->service_id));
         if (socket)
             return seam::make_client(std::move(socket), service, ind_cb, ind_cb_data, client);
         if (now >= deadline)

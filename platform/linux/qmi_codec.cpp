@@ -202,13 +202,6 @@ bool decode_tlv(const Element& element, View value, uint8_t* structure) {
     return decode_value(element, structure, reader) && (reader.left() == 0 || !has_fixed_width(element));
 }
 
-bool tlvs_are_whole(View body) {
-    wire::TlvReader reader(body);
-    while (reader.next()) {
-    }
-    return reader.ok();
-}
-
 }  // namespace
 
 const qmi_idl_message* find_message(qmi_idl_service_object_type service, qmi_idl_type_of_message_type type,
@@ -240,7 +233,7 @@ std::optional<wire::Bytes> encode_message(const qmi_idl_message& message, const 
 
 bool decode_message(const qmi_idl_message& message, View body, void* structure) {
     auto* holder = static_cast<uint8_t*>(structure);
-    if (!tlvs_are_whole(body))
+    if (!wire::tlvs_are_whole(body))
         return false;
     for (uint32_t i = 0; i < message.element_count; ++i) {
         const Element& element = message.elements[i];

@@ -14,6 +14,7 @@
 
 #include "connection.h"
 #include "folder.h"
+#include "layout.h"
 
 namespace seam {
 
@@ -32,14 +33,14 @@ struct Sight {
 };
 
 bool is_published(uint32_t service_id) {
-    return static_cast<bool>(connect_to(qmi_socket_path(service_id)));
+    return static_cast<bool>(connect_to(host::qmi_place(service_id)));
 }
 
 /// Nothing, or the service that is published. `last` is what was seen before: a socket that was listened to
 /// and is still the same is not asked again, so that a waiting client does not keep the handset busy.
 Sight look_at(uint32_t service_id, const Sight& last) {
     struct stat status;
-    if (stat(qmi_socket_path(service_id).c_str(), &status) != 0)
+    if (stat(handset_path(host::qmi_place(service_id)).c_str(), &status) != 0)
         return {};
     const Sight sight{true, status.st_ino, status.st_ctim};
     return sight == last || is_published(service_id) ? sight : Sight{};
@@ -94,7 +95,7 @@ public:
             if (notifier->signal != signal || notifier->last.is_published ||
                 !explained_.insert(notifier->service_id).second)
                 continue;
-            const std::string folder = handset_folder();
+            const std::string folder = host::handset_folder();
             fprintf(stderr,
                     "%s: waiting for QMI service %u: no handset publishes it in %s. "
                     "Start one with: vxk-handset serve --dir %s\n",

@@ -19,7 +19,7 @@
 #include <string_view>
 
 #include "android/log.h"
-#include "folder.h"
+#include "layout.h"
 
 namespace seam {
 
@@ -43,13 +43,13 @@ private:
         if (fd_ >= 0 && millisecond == looked_at_)
             return true;
         looked_at_ = millisecond;
-        const std::string folder = handset_folder();
+        const std::string folder = host::handset_folder();
         if (fd_ >= 0 && folder == folder_ && still_there())
             return true;
         if (fd_ >= 0)
             close(fd_);
         folder_ = folder;
-        fd_ = open_in(folder + "/log");
+        fd_ = open_in(folder + "/");
         return fd_ >= 0;
     }
 
@@ -59,9 +59,10 @@ private:
         return fstat(fd_, &status) == 0 && status.st_nlink > 0;
     }
 
-    static int open_in(const std::string& log_folder) {
-        mkdir(log_folder.c_str(), 0700);
-        return open((log_folder + "/system.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    static int open_in(const std::string& folder) {
+        mkdir((folder + host::kLogPlace).c_str(), 0700);
+        return open((folder + host::kSystemLogPlace).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC,
+                    0600);
     }
 
     pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;

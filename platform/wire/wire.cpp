@@ -4,6 +4,18 @@
 
 namespace wire {
 
+namespace {
+
+QmiPacket read_head(Reader& reader) {
+    QmiPacket packet;
+    packet.flags = reader.u8();
+    packet.transaction = reader.u16();
+    packet.message = reader.u16();
+    return packet;
+}
+
+}  // namespace
+
 uint64_t Reader::number(size_t width) {
     const View field = bytes(width);
     uint64_t value = 0;
@@ -52,6 +64,13 @@ std::optional<Tlv> TlvReader::next() {
     return tlv;
 }
 
+bool tlvs_are_whole(View body) {
+    TlvReader reader(body);
+    while (reader.next()) {
+    }
+    return reader.ok();
+}
+
 std::optional<View> find_tlv(View body, uint8_t type) {
     std::optional<View> found;
     TlvReader reader(body);
@@ -63,26 +82,30 @@ std::optional<View> find_tlv(View body, uint8_t type) {
 }
 
 Bytes encode(const QmiPacket& packet) {
+    const size_t length = std::min<size_t>(packet.body.size, UINT16_MAX);
     Writer writer;
     writer.u8(packet.flags)
         .u16(packet.transaction)
         .u16(packet.message)
-        .u16(static_cast<uint16_t>(packet.body.size()))
-        .bytes(packet.body);
+        .u16(static_cast<uint16_t>(length))
+        .bytes({packet.body.data, length});
     return writer.take();
 }
 
 std::optional<QmiPacket> decode_qmi(View bytes) {
     Reader reader(bytes);
-    QmiPacket packet;
-    packet.flags = reader.u8();
-    packet.transaction = reader.u16();
-    packet.message = reader.u16();
+    auto packet = read_head(reader);
     const size_t length = reader.u16();
     if (!reader.ok() || length != reader.left())
         return std::nullopt;
-    packet.body = reader.rest().copy();
+    packet.body = reader.rest();
     return packet;
+}
+
+std::optional<QmiPacket> decode_qmi_head(View bytes) {
+    Reader reader(bytes);
+    const auto packet = read_head(reader);
+    return reader.ok() ? std::optional(packet) : std::nullopt;
 }
 
 }  // namespace wire

@@ -101,26 +101,36 @@ private:
     Reader reader_;
 };
 
+/// True when no TLV of the body runs past its end.
+bool tlvs_are_whole(View body);
+
 /// The value of the last TLV of a type in a body, or nothing when it is absent.
 std::optional<View> find_tlv(View body, uint8_t type);
 
 enum QmiFlags : uint8_t { kQmiRequest = 0, kQmiResponse = 2, kQmiIndication = 4 };
 
-/// One QMI service message, as it travels in one SOCK_SEQPACKET packet.
+/// One QMI service message, as it travels in one packet of a socket.
 struct QmiPacket {
     uint8_t flags = kQmiRequest;
     uint16_t transaction = 0;  // 0 for an indication
     uint16_t message = 0;
-    Bytes body;  // TLVs
+    View body;  // TLVs; somebody else's
 };
 
+constexpr size_t kQmiHeaderSize = 7;
 /// The most bytes of one packet: the header and 65,535 bytes of TLVs.
-constexpr size_t kQmiPacketMax = 7 + 65535;
+constexpr size_t kQmiPacketMax = kQmiHeaderSize + 65535;
 
+/// A body of more than 65,535 bytes is cut.
 Bytes encode(const QmiPacket& packet);
 
-/// Nothing when the header is cut short or its length is not that of the body.
+/// The body is a part of `packet`. Nothing when the header is cut short or its length is not that of the
+/// body.
 std::optional<QmiPacket> decode_qmi(View packet);
+
+/// All but the body, also of a packet that is cut short behind the message id or has another length than it
+/// says.
+std::optional<QmiPacket> decode_qmi_head(View packet);
 
 /// Diag interface: ops of the client, answered with `op | kDiagAnswer`; events of the handset.
 enum DiagOp : uint8_t {

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace seam {
+namespace host {
 
 class UniqueFd {
 public:
@@ -30,4 +30,4 @@ private:
     int fd_ = -1;
 };
 
-}  // namespace seam
+}  // namespace host

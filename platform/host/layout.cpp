@@ -1,0 +1,36 @@
+#include "layout.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace host {
+
+std::string qmi_place(uint32_t service_id) {
+    return std::string(kQmiPlace) + "/" + std::to_string(service_id);
+}
+
+std::string default_handset_folder() {
+    return "/tmp/vxk-handset-" + std::to_string(getuid());
+}
+
+std::optional<std::string> named_handset_folder() {
+    const char* folder = getenv("VXK_HANDSET_DIR");
+    return folder && *folder ? std::optional<std::string>(folder) : std::nullopt;
+}
+
+std::string handset_folder() {
+    return named_handset_folder().value_or(default_handset_folder());
+}
+
+std::optional<sockaddr_un> socket_address(const std::string& path) {
+    if (path.size() > kSocketPathMax)
+        return std::nullopt;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, path.size());
+    return address;
+}
+
+}  // namespace host
