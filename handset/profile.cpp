@@ -1,14 +1,19 @@
 #include "profile.h"
 
-#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
 
 #include "diag_packet.h"
-#include "folder.h"
 
 namespace handset {
 namespace {
 
 constexpr size_t kMostFaults = 1000;
+// What comes out of a pipe or a device may have no end.
+constexpr size_t kLongestProfile = 16 * 1024 * 1024;
 
 }  // namespace
 
@@ -32,11 +37,25 @@ Profile parse_profile(const std::string& text, const std::string& name) {
 }
 
 Profile load_profile(const std::string& path) {
-    int error = 0;
-    const auto content = read_file(path, error);
-    if (!content)
-        throw system_error("cannot read the profile " + path, error);
-    return parse_profile(std::string(content->begin(), content->end()), path);
+    const bool standard_input = path == "-";
+    const std::string name = standard_input ? "standard input" : path;
+    const int fd = standard_input ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    std::string text;
+    std::array<char, 65536> buffer;
+    ssize_t count = fd < 0 ? -1 : 1;
+    while (count > 0 && text.size() <= kLongestProfile) {
+        count = read(fd, buffer.data(), buffer.size());
+        if (count > 0)
+            text.append(buffer.data(), static_cast<size_t>(count));
+    }
+    const int error = errno;
+    if (fd >= 0)
+        close(fd);
+    if (count < 0)
+        throw system_error("cannot read the profile " + name, error);
+    if (text.size() > kLongestProfile)
+        throw Error("the profile " + name + " is longer than " + std::to_string(kLongestProfile) + " bytes");
+    return parse_profile(text, name);
 }
 
 }  // namespace handset

@@ -35,7 +35,7 @@ struct Profile {
 /// Reads a profile from JSON text; `name` is what error lines call it. Throws ProfileError.
 Profile parse_profile(const std::string& text, const std::string& name);
 
-/// Reads a profile from a file. Throws Error.
+/// Reads a profile from a file, a pipe, or with "-" standard input, at most 16 MiB. Throws Error.
 Profile load_profile(const std::string& path);
 
 }  // namespace handset

@@ -16,7 +16,11 @@ constexpr int kUsageError = 2;
 
 void add_boot_options(CLI::App& command, handset::BootOptions& options, const std::string& without_dir) {
     command.add_option("--dir", options.dir, "The handset's folder; " + without_dir)->type_name("DIR");
-    command.add_option("--profile", options.profile, "What kind of handset: a JSON file")->type_name("FILE");
+    command
+        .add_option(
+            "--profile", options.profile,
+            "What kind of handset: a JSON file, \"-\" for standard input, or the name of an installed one")
+        ->type_name("FILE");
 }
 
 void add_dir_option(CLI::App& command, std::string& dir) {
@@ -36,6 +40,7 @@ int run(int argc, char** argv) {
         "A simulated handset for vxk: modem services, diag, cards, EFS, NV and properties in one folder",
         "vxk-handset");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "vxk-handset " VXK_VERSION);
     handset::BootOptions options;
     std::string dir;
     bool follow = false;

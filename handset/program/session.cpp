@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/epoll.h>
+#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,12 +12,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <functional>
 #include <initializer_list>
 
 #include "error.h"
 #include "handset.h"
+#include "installation.h"
+#include "temporary_folder.h"
 
 namespace handset {
 namespace {
@@ -57,40 +59,13 @@ private:
     EventLoop::Token watch_ = 0;
 };
 
-// A folder that goes with its handset.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        const char* named = getenv("TMPDIR");
-        for (const char* place : {named, "/tmp"}) {
-            if (place == nullptr || *place == '\0' || strlen(place) > kLongestPlace)
-                continue;
-            path_ = std::string(place) + "/vxk-handset.XXXXXX";
-            if (mkdtemp(path_.data()) != nullptr)
-                return;
-        }
-        throw system_error("cannot create a temporary folder", errno);
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::string& path() const { return path_; }
-
-private:
-    static constexpr size_t kLongestPlace = 60;
-    std::string path_;
-};
-
 Profile profile_of(const BootOptions& options) {
-    return options.profile.empty() ? Profile() : load_profile(options.profile);
+    return options.profile.empty() ? Profile() : load_profile(found_profile(options.profile));
 }
 
 // Returns 0 or the errno that kept the command from starting, which the child sends through a pipe that a
-// started command closes. posix_spawn's own report does not come through user-mode emulation.
+// started command closes. posix_spawn's own report does not come through user-mode emulation. The command
+// dies with this process, however that ends.
 int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
@@ -101,9 +76,14 @@ int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) 
     int report[2];
     if (pipe2(report, O_CLOEXEC) != 0)
         return errno;
+    const pid_t parent = getpid();
     child = fork();
     int error = child < 0 ? errno : 0;
     if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        // Nobody will send the signal for a parent that was gone before it was asked for.
+        if (getppid() != parent)
+            _exit(EXIT_FAILURE);
         sigprocmask(SIG_SETMASK, &mask, nullptr);
         execvp(arguments[0], arguments.data());
         error = errno;
@@ -137,6 +117,7 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
         }
     });
     setenv("VXK_HANDSET_DIR", handset.folder().c_str(), 1);
+    put_programs_on_path();
     const int error = start(command, signals.before(), child);
     if (error != 0) {
         complain("cannot run " + command[0] + ": " + strerror(error));
@@ -151,11 +132,11 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
 }  // namespace
 
 int serve(const BootOptions& options) {
+    const Profile profile = profile_of(options);
     EventLoop loop;
-    // First of all, so that a signal during the boot does not leave the sockets behind.
+    // Before the boot, so that a signal during it does not leave the sockets behind.
     const Signals signals(loop, {SIGINT, SIGTERM, SIGHUP}, [&loop](int) { loop.stop(); });
-    Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir),
-                    profile_of(options));
+    Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir), profile);
     printf("vxk-handset: ready in %s\n", handset.folder().c_str());
     fflush(stdout);
     loop.run();

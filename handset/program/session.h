@@ -21,9 +21,10 @@ constexpr int kBootFailed = 125;
 int serve(const BootOptions& options);
 
 /// Boots, in a temporary folder that is removed at the end unless one is named, runs the command with
-/// VXK_HANDSET_DIR set, and returns its status: 128 and the signal's number when one ended it, 126 or 127
-/// when it could not be started. A SIGTERM or SIGHUP is handed on to the command; SIGINT and SIGQUIT reach it
-/// from the terminal. Throws Error.
+/// VXK_HANDSET_DIR set and this program's folder first on its PATH, and returns its status: 128 and the
+/// signal's number when one ended it, 126 or 127 when it could not be started. A SIGTERM or SIGHUP is handed
+/// on to the command; SIGINT and SIGQUIT reach it from the terminal. When this process is killed, so is the
+/// command. Throws Error.
 int run_command(const BootOptions& options, const std::vector<std::string>& command);
 
 /// The same with the person's own shell, and a word on what to try.

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -91,6 +92,12 @@ Rows files(const std::string& folder, Shown shown) {
 
 }  // namespace
 
+void flush_output() {
+    const int error = fflush(stdout) != 0 ? errno : ferror(stdout) != 0 ? EIO : 0;
+    if (error != 0)
+        throw system_error("cannot write to standard output", error);
+}
+
 int show(const std::string& folder) {
     std::error_code ignored;
     if (!fs::is_directory(folder + "/qmi", ignored))
@@ -118,6 +125,7 @@ int show(const std::string& folder) {
         if (!nv.empty() || *sub == '0')
             print_table(std::string("nv, subscription ") + sub, nv);
     }
+    flush_output();
     return 0;
 }
 

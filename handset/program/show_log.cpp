@@ -54,7 +54,7 @@ public:
         pending_ += text;
         for (size_t end; (end = pending_.find('\n')) != std::string::npos; pending_.erase(0, end + 1))
             print_line(std::string_view(pending_).substr(0, end));
-        fflush(stdout);
+        flush_output();
     }
 
 private:

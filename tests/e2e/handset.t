@@ -22,6 +22,29 @@ A run has the command's status, and leaves its folder when that has a name.
   vxk-handset: cannot run ./h: Permission denied
   [126]
 
+The programs find each other, whatever the PATH.
+
+  $ env -i "$(command -v vxk-handset)" run -- sh -c 'vxk 4 1 0 10 > vxk.out; vxk-handset --version'
+  vxk-handset \d+\.\d+\.\d+ (re)
+  $ grep -c 'inited' vxk.out
+  1
+
+A run that is killed takes its command with it; its folder goes with the next run, and no other does.
+
+  $ export TMPDIR="$CRAMTMP/t"
+  $ mkdir -p t "$TMPDIR"/vxk-handset.strange "$TMPDIR"/vxk-handset.stran
+  $ vxk-handset run -- sh -c 'echo $$ > t/command; exec sleep 1000' & run=$!
+  $ eventually test -s t/command; vxk-handset run -- ls "$TMPDIR" 2> /dev/null | wc -l
+  4
+  $ { kill -9 $run; wait $run; } 2> /dev/null
+  [137]
+  $ gone() { ! kill -0 "$(cat t/command)"; }; eventually gone
+  $ ls "$TMPDIR" | wc -l; vxk-handset run -- true; ls "$TMPDIR"
+  3
+  vxk-handset.stran
+  vxk-handset.strange
+  $ unset TMPDIR
+
 What keeps a handset from booting is one line.
 
   $ vxk-handset run --dir h -- vxk-handset run --dir h -- true 2>&1 | masked
@@ -35,6 +58,14 @@ What keeps a handset from booting is one line.
   $ echo '{"modem": {"restart_ms": "soon"}}' > p.json
   $ vxk-handset run --profile p.json -- true
   vxk-handset: p.json: /modem/restart_ms: expected a whole number from 0 to 600000, found "soon"
+  [125]
+  $ vxk-handset run --profile - -- true < p.json
+  vxk-handset: standard input: /modem/restart_ms: expected a whole number from 0 to 600000, found "soon"
+  [125]
+  $ vxk-handset run --profile <(echo '{"sar": {"dsi": 9}}') -- vxk 5 5 | grep -o '= 9'
+  = 9
+  $ vxk-handset run --profile /dev/zero -- true
+  vxk-handset: the profile /dev/zero is longer than 16777216 bytes
   [125]
   $ vxk-handset run --profile absent.json -- true
   vxk-handset: cannot read the profile absent.json: No such file or directory
@@ -84,6 +115,11 @@ Show and log work from the folder, whether the handset lives or not.
   qmi/extension - -- published
   qmi/extension - -- withdrawn
   modem - -- off
+  $ for what in show log; do vxk-handset $what > /dev/full; echo $?; done
+  vxk-handset: cannot write to standard output: No space left on device
+  1
+  vxk-handset: cannot write to standard output: No space left on device
+  1
   $ vxk-handset log --system
   vxk-handset: cannot read /*/h2/log/system.log: No such file or directory (glob)
   [1]
