@@ -6,9 +6,10 @@
 
 namespace handset {
 
-Handset::Handset(EventLoop& loop, const std::string& folder, Profile profile)
+Handset::Handset(EventLoop& loop, const std::string& folder, Profile profile,
+                 std::vector<std::unique_ptr<Transport>> transports)
     : profile_(std::move(profile)),
-      core_(std::make_unique<Core>(loop, folder, profile_.modem, profile_.faults)),
+      core_(std::make_unique<Core>(loop, folder, profile_.modem, profile_.faults, std::move(transports))),
       subjects_(std::make_unique<Subjects>(*core_, profile_)) {
     core_->start();
 }

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "event_loop.h"
 #include "profile.h"
@@ -11,12 +12,14 @@ namespace handset {
 
 class Core;
 struct Subjects;
+class Transport;
 
 class Handset {
 public:
-    /// Takes the folder, puts all subjects in, and publishes them. Throws Error when the folder cannot be
-    /// used.
-    Handset(EventLoop& loop, const std::string& folder, Profile profile);
+    /// Takes the folder, puts all subjects in, and publishes them in it and on the further transports. Throws
+    /// Error when the folder cannot be used.
+    Handset(EventLoop& loop, const std::string& folder, Profile profile,
+            std::vector<std::unique_ptr<Transport>> transports = {});
     ~Handset();
     Handset(const Handset&) = delete;
     Handset& operator=(const Handset&) = delete;

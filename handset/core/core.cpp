@@ -1,6 +1,7 @@
 #include "core.h"
 
 #include "profile_section.h"
+#include "socket_transport.h"
 
 namespace handset {
 
@@ -11,13 +12,15 @@ void read_profile(Section& section, ModemProfile& modem) {
 }
 
 Core::Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem,
-           const std::vector<Fault>& faults)
+           const std::vector<Fault>& faults, std::vector<std::unique_ptr<Transport>> transports)
     : loop_(loop),
       modem_(modem),
       folder_(folder),
       wire_log_(folder_.at("log/wire.log")),
       faults_(faults),
-      state_(folder_) {
+      state_(folder_),
+      transports_(std::move(transports)) {
+    transports_.push_back(std::make_unique<SocketTransport>(loop_, folder_));
     state_.set("modem", "state", "up");
     state_.set("modem", "restarts", restarts_);
     log_event("boot");

@@ -4,9 +4,11 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "endpoint.h"
 #include "event_loop.h"
 #include "fault.h"
 #include "folder.h"
@@ -27,9 +29,10 @@ void read_profile(Section& section, ModemProfile& modem);
 
 class Core {
 public:
-    /// Takes the folder. Throws Error when it cannot be used.
+    /// Takes the folder. Ports are reached by sockets in it and by the further transports. Throws Error when
+    /// the folder cannot be used.
     Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem,
-         const std::vector<Fault>& faults);
+         const std::vector<Fault>& faults, std::vector<std::unique_ptr<Transport>> transports);
     Core(const Core&) = delete;
     Core& operator=(const Core&) = delete;
 
@@ -45,6 +48,8 @@ public:
 
     /// The value of an Android property; empty when it is unset.
     std::string property(const std::string& name) const;
+
+    const std::vector<std::unique_ptr<Transport>>& transports() const { return transports_; }
 
     /// Every port calls this as it is made. It is published with the others and lives until they are
     /// withdrawn for good.
@@ -74,6 +79,7 @@ private:
     WireLog wire_log_;
     FaultBook faults_;
     StateBoard state_;
+    std::vector<std::unique_ptr<Transport>> transports_;
     std::vector<std::function<void()>> restart_actions_;
     std::vector<Port*> ports_;
     ConnectionId last_connection_ = 0;

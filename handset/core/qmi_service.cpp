@@ -127,7 +127,8 @@ void QmiService::indicate(uint16_t message, const wire::Bytes& body, ConnectionI
 }
 
 QmiPort::QmiPort(Core& core, QmiService& service)
-    : Port(core, "qmi/" + service_name(service.id()), host::qmi_place(service.id()), wire::kQmiPacketMax),
+    : Port(core, "qmi/" + service_name(service.id()),
+           {host::qmi_place(service.id()), service.id(), wire::kQmiPacketMax}),
       service_(service) {}
 
 void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
@@ -140,7 +141,7 @@ void QmiPort::indicate(uint16_t message, const wire::Bytes& body, ConnectionId c
     send(connection, packet, packet_line(connection, Direction::kFromModem, packet));
 }
 
-void QmiPort::received(ConnectionId connection, wire::View bytes) {
+void QmiPort::handle(ConnectionId connection, wire::View bytes) {
     log(packet_line(connection, Direction::kToModem, bytes));
     const auto packet = wire::decode_qmi(bytes);
     // Without a whole header there is no transaction to answer; and only requests are answered.

@@ -88,7 +88,7 @@ public:
     WireLine no_answer_line(ConnectionId connection, uint16_t transaction);
 
 protected:
-    void received(ConnectionId connection, wire::View packet) override;
+    void handle(ConnectionId connection, wire::View packet) override;
     void connection_opened(ConnectionId connection) override { service_.connection_opened(connection); }
     void connection_closed(ConnectionId connection) override { service_.connection_closed(connection); }
 

@@ -88,9 +88,9 @@ std::vector<wire::Bytes> dci_events(wire::View response, std::vector<uint64_t> p
 }  // namespace
 
 DiagPort::DiagPort(Core& core, const DiagProfile& profile)
-    : Port(core, "diag", "diag", wire::kDiagPacketMax), profile_(profile) {}
+    : Port(core, "diag", {"diag", 0, wire::kDiagPacketMax}), profile_(profile) {}
 
-void DiagPort::received(ConnectionId connection, wire::View packet) {
+void DiagPort::handle(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kToModem);
     describe_diag_request(packet, entry);
     log(entry);

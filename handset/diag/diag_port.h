@@ -24,7 +24,7 @@ public:
     WireLine no_answer_line(ConnectionId connection, uint8_t op);
 
 protected:
-    void received(ConnectionId connection, wire::View packet) override;
+    void handle(ConnectionId connection, wire::View packet) override;
     void connection_closed(ConnectionId connection) override { sessions_.erase(connection); }
 
 private:
