@@ -1,13 +1,55 @@
 # bash completion for vxk-handset
+
+# File names as readline wants them, also for a word that begins with a quote or has escaped blanks.
+_vxk_handset_files() {
+    local word=${current#[\"\']}
+    compopt -o filenames 2>/dev/null
+    mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen "$@" -- "${word//\\/}")
+}
+
+# Completes the command that begins at word $1 as if it stood alone.
+_vxk_handset_command() {
+    if declare -F _command_offset >/dev/null; then
+        _command_offset "$1"
+        return
+    fi
+    if [ "$COMP_CWORD" -eq "$1" ]; then
+        _vxk_handset_files -c
+        return
+    fi
+    COMP_WORDS=("${COMP_WORDS[@]:$1}")
+    COMP_CWORD=$((COMP_CWORD - $1))
+    if [[ $(complete -p -- "${COMP_WORDS[0]##*/}" 2>/dev/null) =~ \ -F\ ([^ ]+) ]]; then
+        "${BASH_REMATCH[1]}" "${COMP_WORDS[0]}" "$current" "$previous"
+    else
+        _vxk_handset_files -f
+    fi
+}
+
 _vxk_handset() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} program word profiles
+    COMPREPLY=()
+    for ((word = 1; word < COMP_CWORD; word++)); do
+        if [ "${COMP_WORDS[word]}" = -- ]; then
+            _vxk_handset_command $((word + 1))
+            return
+        fi
+    done
     case $previous in
-        --dir) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-        --profile) mapfile -t COMPREPLY < <(compgen -f -X '!*.json' -- "$current"; compgen -d -- "$current"); return ;;
+        --dir) _vxk_handset_files -d; return ;;
+        --profile)
+            program=$(realpath -- "$(type -P -- "$1")" 2>/dev/null)
+            profiles=("${program%/*/*}"/share/vxk/profiles/*.json)
+            profiles=("${profiles[@]##*/}")
+            mapfile -t COMPREPLY < <(compgen -W "${profiles[*]%.json}" -X '\**' -- "$current")
+            _vxk_handset_files -f -X '!*.json'
+            _vxk_handset_files -d
+            return
+            ;;
     esac
     local words="--help"
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="run serve shell show log --help"
+        words="run serve shell show log --help --version"
     else
         case ${COMP_WORDS[1]} in
             run) words="--dir --profile --help --" ;;
