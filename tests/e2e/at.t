@@ -36,10 +36,17 @@ The receive thread prints when it likes, so lines are sorted.
   at - -> line="AT+CFUN?\r"
   at - -> line="AT+CGDCONT=1\r"
   at - -> line="\r"
+  $ vxk 8 'AT+CPIN=\"1234\"' | grep -c Success; eventually test_count 'at - ->' 4
+  1
+  $ vxk 8 'AT\$A=1' | grep -c Success; eventually test_count 'at - ->' 5
+  1
+  $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log" | tail -2
+  at - -> line="AT+CPIN=\"1234\"\r"
+  at - -> line="AT$A=1\r"
   $ show at | grep -v terminal
   at
     device    /dev/smd8
-    lines     3
+    lines     5
   
 
 A handset that was killed leaves a link that leads nowhere: the tool fails to send, and makes no file. The next
