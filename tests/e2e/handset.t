@@ -24,7 +24,7 @@ A run has the command's status, and leaves its folder when that has a name.
 
 The programs find each other, whatever the PATH.
 
-  $ env -i "$(command -v vxk-handset)" run -- sh -c 'vxk 4 1 0 10 > vxk.out; vxk-handset --version'
+  $ env -i VXK_AT_DEVICE="$VXK_AT_DEVICE" "$(command -v vxk-handset)" run -- sh -c 'vxk 4 1 0 10 > vxk.out; vxk-handset --version'
   vxk-handset \d+\.\d+\.\d+ (re)
   $ grep -c 'inited' vxk.out
   1
