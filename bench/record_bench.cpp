@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "benches.h"
-#include "kelvra_modem_stats_record.h"
-#include "kelvra_unpack.h"
+#include "group7_record.h"
+#include "group7_unpack.h"
 
 namespace bench {
 namespace {

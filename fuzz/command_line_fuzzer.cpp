@@ -5,24 +5,8 @@
 
 #include "groups.h"
 #include "modem.h"
-#include "show_help.h"
 
 namespace {
-
-using Group = int (*)(int argc, char** argv);
-
-constexpr int kFirstOption = 3;
-constexpr Group kGroups[] = {
-    kelvra_test_rf_do,
-    kelvra_test_nvefs_do,
-    kelvra_test_cmn_do,
-    kelvra_test_qmi_send_data_do,
-    kelvra_test_modem_stats_do,
-    kelvra_test_at_cmd_do,
-    kelvra_test_qmi_modem_stats_do,
-    kelvra_test_mbn_do,
-    kelvra_smart_test_do,
-};
 
 // Each word a block of its own size, as a read past its end is to be seen.
 class CommandLine {
@@ -51,9 +35,9 @@ private:
 };
 
 void run(CommandLine& line) {
-    const int option = atoi(line.argv()[1]) - kFirstOption;
-    if (option >= 0 && option < static_cast<int>(std::size(kGroups)))
-        kGroups[option](line.argc(), line.argv());
+    const Group* const group = find_group(atoi(line.argv()[1]));
+    if (group != nullptr)
+        group->run(line.argc(), line.argv());
     else
         show_help(0);
 }

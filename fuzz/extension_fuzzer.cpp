@@ -1,10 +1,10 @@
 // The extension channel, file transfer and the counters of the statistics feature, by the calls below: one
 // call of the input's choice, with arguments and buffer sizes from the input, then the modem's records.
 #include "finding.h"
+#include "group7_debug_info.h"
 #include "kelvra_cmn_cmd_send.h"
 #include "kelvra_extend_cmn.h"
 #include "kelvra_extend_nvefs.h"
-#include "kelvra_modem_stats_debug.h"
 #include "modem.h"
 
 namespace {

@@ -8,12 +8,12 @@
 #include <optional>
 
 #include "finding.h"
-#include "kelvra_cmn_esim.h"
+#include "group5_esim.h"
+#include "group7_unpack.h"
+#include "group9_session.h"
 #include "kelvra_extend_cmn.h"
 #include "kelvra_extend_uim.h"
 #include "kelvra_log.h"
-#include "kelvra_test_qmi_modem_stats.h"
-#include "kelvra_unpack.h"
 #include "modem_api.h"
 #include "platform_double.h"
 #include "qcril_memory_management.h"

@@ -1,8 +1,8 @@
 // The statistics record: `u8 mode` (1: traced), then the record. With 2 in the mode the record is not parsed
 // but walked through by steps such as a reader is made of, which stand in the record itself.
 #include "finding.h"
-#include "kelvra_test_modem_stats.h"
-#include "kelvra_unpack.h"
+#include "group7_stats.h"
+#include "group7_unpack.h"
 #include "modem.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // A session of the statistics service: its requests, its indications and the measurements, in the input's
 // order. `u8 call, u8 argument`, then the modem's records or what the call below takes.
 #include "finding.h"
-#include "kelvra_modem_stats_measure.h"
-#include "kelvra_test_qmi_modem_stats.h"
+#include "group9_session.h"
+#include "group9_stats_qmi.h"
 #include "modem.h"
 #include "modem_api.h"
 #include "modem_api_events.h"
@@ -16,7 +16,8 @@ void measure(Input& input, uint8_t argument) {
 }
 
 void get(Input& input, uint8_t argument) {
-    kelvra_test_qmi_modem_stats_get(argument, input.u8());
+    KolvoValue value;
+    kelvra_test_qmi_modem_stats_get(argument, input.u8(), &value);
 }
 
 void get_list(Input& input, uint8_t argument) {

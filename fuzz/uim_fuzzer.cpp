@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "finding.h"
-#include "kelvra_qmi_test_cmn.h"
+#include "group5_esim.h"
 #include "kelvra_uim_requests.h"
 #include "modem.h"
 

@@ -3,7 +3,6 @@
 
 #include "groups.h"
 #include "platform_test.h"
-#include "show_help.h"
 
 namespace {
 

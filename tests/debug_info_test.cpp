@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "extend_double.h"
+#include "group7_debug_info.h"
 #include "groups.h"
-#include "kelvra_modem_stats_debug.h"
 #include "little_endian.h"
 #include "platform_test.h"
 

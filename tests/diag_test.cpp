@@ -7,10 +7,10 @@
 #include <random>
 #include <thread>
 
+#include "groups.h"
 #include "kelvra_diag_send.h"
 #include "kelvra_diag_unit.h"
 #include "kelvra_log.h"
-#include "kelvra_qmi_test_cmn.h"
 #include "platform_test.h"
 
 namespace {
@@ -315,12 +315,11 @@ TEST_F(DiagTest, PrintsTheCommandAndItsAnswer) {
     };
     answer_with({2});
     for (const auto& c : cases)
-        EXPECT_EQ(without_lines(log_of([&] { run_line(kelvra_cmn_diag_cmd_send, c.line); }), "RIL["),
-                  c.printed);
+        EXPECT_EQ(without_lines(log_of([&] { run_line(kelvra_test_cmn_do, c.line); }), "RIL["), c.printed);
 
     std::vector<std::string> words(4097 + 5, "0");
     words[0] = "5";
-    const std::string log = log_of([&] { EXPECT_EQ(run_words(kelvra_cmn_diag_cmd_send, words), 1); });
+    const std::string log = log_of([&] { EXPECT_EQ(run_words(kelvra_test_cmn_do, words), 1); });
     EXPECT_THAT(log, HasSubstr("callback_mode:#]: kelvra_diag_comand_param_check fail\n"));
     EXPECT_THAT(log, HasSubstr("\nkelvra_diag_cmd_send fail\n"));
 }

@@ -4,10 +4,9 @@
 
 #include <cstring>
 
-#include "kelvra_cmn_esim.h"
+#include "group5_esim.h"
 #include "kelvra_extend_uim.h"
 #include "kelvra_log.h"
-#include "kelvra_qmi_test_cmn.h"
 #include "little_endian.h"
 #include "platform_test.h"
 #include "user_identity_module_v01.h"

@@ -7,7 +7,6 @@
 #include "kelvra_log.h"
 #include "kelvra_parse.h"
 #include "platform_test.h"
-#include "show_help.h"
 
 namespace {
 

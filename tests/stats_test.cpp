@@ -5,9 +5,8 @@
 #include <limits>
 #include <sstream>
 
+#include "group9_session.h"
 #include "groups.h"
-#include "kelvra_qmi_test_cmn.h"
-#include "kelvra_test_qmi_modem_stats.h"
 #include "modem_api.h"
 #include "platform_test.h"
 #include "sar_v01.h"

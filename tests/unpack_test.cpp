@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <array>
 
+#include "group7_record.h"
+#include "group7_stats.h"
+#include "group7_unpack.h"
 #include "groups.h"
-#include "kelvra_modem_stats_record.h"
-#include "kelvra_test_modem_stats.h"
-#include "kelvra_unpack.h"
 #include "platform_test.h"
 
 namespace {

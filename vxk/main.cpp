@@ -5,40 +5,17 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
 
 #include "groups.h"
-#include "show_help.h"
 
 namespace {
 
-int not_supported(int, char**) {
-    return puts("Not support");
-}
-
-using Group = int (*)(int argc, char** argv);
-
-// By option, from 1.
-constexpr Group kGroups[] = {
-    not_supported,
-    not_supported,
-    kelvra_test_rf_do,
-    kelvra_test_nvefs_do,
-    kelvra_test_cmn_do,
-    kelvra_test_qmi_send_data_do,
-    kelvra_test_modem_stats_do,
-    kelvra_test_at_cmd_do,
-    kelvra_test_qmi_modem_stats_do,
-    kelvra_test_mbn_do,
-    kelvra_smart_test_do,
-};
-
 void run(int argc, char** argv) {
-    const int option = argc < 2 ? 0 : atoi(argv[1]);
-    if (option < 1 || option > static_cast<int>(std::size(kGroups)))
+    const Group* const group = find_group(argc < 2 ? 0 : atoi(argv[1]));
+    if (group == nullptr)
         show_help(0);
     else
-        kGroups[option - 1](argc, argv);
+        group->run(argc, argv);
 }
 
 // The number of a standard stream that the caller has closed must not become a connection's: the lines that

@@ -8,12 +8,9 @@
 #include "kelvra_extend_cmn.h"
 #include "kelvra_log.h"
 #include "kelvra_parse.h"
-#include "notes.h"
-#include "show_help.h"
 
 namespace {
 
-constexpr int kGroup = 6;
 constexpr int kRequestIds = 6;
 constexpr int kDataMax = 500;
 
@@ -27,17 +24,27 @@ int read_bytes(int argc, char** argv, uint8_t* bytes) {
     return count;
 }
 
+// clang-format off
+constexpr Command kCommands[] = {
+    {kNoSubOption, " qmi_id qmi_data         /* qmi_id: Any binary data you will send */\n"
+                   "                                    qmi_data: Any binary data you will send ",
+     kelvra_test_qmi_send_data_do},
+};
+// clang-format on
+
 }  // namespace
+
+const Group kRawQmiGroup = make_group(6, "kelvra qmi send_data", kelvra_test_qmi_send_data_do, kCommands);
 
 int kelvra_test_qmi_send_data_do(int argc, char** argv) {
     if (argc <= 3)
-        return g_quiet_mode ? show_help(kGroup) : refuse_too_few_parameters(kGroup);
-    if (atoi(argv[1]) != kGroup)
-        return g_quiet_mode ? show_help(kGroup) : refuse_first_parameter(kGroup);
+        return g_quiet_mode ? show_help(kRawQmiGroup) : refuse_too_few_parameters(kRawQmiGroup);
+    if (atoi(argv[1]) != kRawQmiGroup.number)
+        return g_quiet_mode ? show_help(kRawQmiGroup) : refuse_first_parameter(kRawQmiGroup);
     const int qmi_id = atoi(argv[2]);
     if (qmi_id < 0 || qmi_id >= kRequestIds) {
         kelvra_printf("\nnote: the second parameters(qmi_id) should be >= %d && < %d\n", 0, kRequestIds);
-        return show_help(kGroup);
+        return show_help(kRawQmiGroup);
     }
 
     kelvra_printf("kv_qmi req data(qmi_id: %d, len: %d[max: %d]):\n", qmi_id, argc - 3, kDataMax);
@@ -51,7 +58,7 @@ int kelvra_test_qmi_send_data_do(int argc, char** argv) {
     kelvra_printf("qmi_id = %d, result = %d\n", qmi_id, result);
     if (result != 0) {
         kelvra_puts("kelvra_extend_qmi_send_sync fail");
-        show_help(kGroup);
+        show_help(kRawQmiGroup);
         return result;
     }
     kelvra_printf("kv_qmi rsp data(qmi_id: %d, len: %d[max: %d]):\n", qmi_id, rsp_len, kDataMax);

@@ -1,4 +1,4 @@
-#include "kelvra_unpack.h"
+#include "group7_unpack.h"
 
 #include <cinttypes>
 #include <cstdarg>

@@ -1,9 +1,9 @@
-#include "kelvra_modem_stats_record.h"
+#include "group7_record.h"
 
 #include <cinttypes>
 #include <cstdio>
 
-#include "kelvra_unpack.h"
+#include "group7_unpack.h"
 
 namespace {
 

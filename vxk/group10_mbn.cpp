@@ -5,15 +5,11 @@
 
 #include "groups.h"
 #include "kelvra_log.h"
-#include "notes.h"
 #include "qtimutex.h"
-#include "show_help.h"
 
 KELVRA_LOG_UNIT("kelvra_test_mbn");
 
 namespace {
-
-constexpr int kGroup = 10;
 
 // What is known of the modem's configurations, shared by those who read it and the client that would fill it.
 struct PdcMbnInfo {
@@ -34,17 +30,19 @@ void kelvra_test_mbn_pdc_init(unsigned char force_init) {
 
 }  // namespace
 
+const Group kMbnGroup{10, "kelvra mbn test", kelvra_test_mbn_do, nullptr, 0};
+
 int kelvra_test_mbn_do(int argc, char** argv) {
     if (argc <= 3)
-        return refuse_too_few_parameters(kGroup);
-    if (atoi(argv[1]) != kGroup)
-        return refuse_first_parameter(kGroup);
+        return refuse_too_few_parameters(kMbnGroup);
+    if (atoi(argv[1]) != kMbnGroup.number)
+        return refuse_first_parameter(kMbnGroup);
     const int sub_mask = atoi(argv[3]);
     if (sub_mask < 1 || sub_mask > 3) {
         printf("\nnote: sub_mask(%d) is invalid:\n", sub_mask);
-        return show_help(kGroup);
+        return show_help(kMbnGroup);
     }
     kelvra_test_mbn_pdc_init(0);
     KELVRA_LOGE("pdc init failed, do nothing");
-    return show_help(kGroup);
+    return show_help(kMbnGroup);
 }

@@ -1,11 +1,17 @@
-#include "kelvra_modem_stats_measure.h"
+// Each option fetches one value in a session of the statistics service, decodes
+// it and prints one line.
+#include "group9_stats_qmi.h"
 
+#include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "fatal.h"
-#include "kelvra_test_qmi_modem_stats.h"
+#include "group9_session.h"
+#include "groups.h"
 #include "little_endian.h"
+#include "modem_api.h"
 
 namespace {
 
@@ -126,25 +132,25 @@ uint32_t read(const uint8_t* bytes, Kind kind) {
     }
 }
 
-// Takes one field from g_kolvo_data. False after the line that says what is missing.
-bool consume(const Field& field, uint32_t* value) {
+// Takes one field from the value. False after the line that says what is missing.
+bool consume(const Field& field, KolvoValue* value, uint32_t* number) {
     const int width = width_of(field.kind);
-    if (g_kolvo_data_left < width) {
-        printf("g_kolvo_data_left(%d) is not enough for %s, id(0x%x)\n", g_kolvo_data_left, field.name,
-               g_kolvo_data_id);
+    if (value->data_left < width) {
+        printf("g_kolvo_data_left(%d) is not enough for %s, id(0x%x)\n", value->data_left, field.name,
+               value->data_id);
         return false;
     }
-    if (g_pK_DATA_CNT < 0) {
+    if (value->data_cnt < 0) {
         // The number is the remaining count: scripts know the line so.
-        printf("g_pK_DATA_CNT(%d) is can not < 0 for %s, id(0x%x)\n", g_kolvo_data_left, field.name,
-               g_kolvo_data_id);
+        printf("g_pK_DATA_CNT(%d) is can not < 0 for %s, id(0x%x)\n", value->data_left, field.name,
+               value->data_id);
         return false;
     }
-    if (g_pK_DATA_CNT > VS_VALUE_MAX_V01 - width)
-        vxk_fatal("statistics value is read at %d, behind its %d bytes", g_pK_DATA_CNT, VS_VALUE_MAX_V01);
-    *value = read(g_kolvo_data + g_pK_DATA_CNT, field.kind);
-    g_pK_DATA_CNT += width;
-    g_kolvo_data_left -= width;
+    if (value->data_cnt > VS_VALUE_MAX_V01 - width)
+        vxk_fatal("statistics value is read at %d, behind its %d bytes", value->data_cnt, VS_VALUE_MAX_V01);
+    *number = read(value->data + value->data_cnt, field.kind);
+    value->data_cnt += width;
+    value->data_left -= width;
     return true;
 }
 
@@ -160,11 +166,12 @@ void print_number(uint32_t value, Kind kind) {
 }
 
 int measure(uint32_t sub, uint32_t data_id, const Layout& layout) {
-    if (const int result = kelvra_test_qmi_modem_stats_get(sub, data_id); result != 0)
+    KolvoValue value;
+    if (const int result = kelvra_test_qmi_modem_stats_get(sub, data_id, &value); result != 0)
         return result;
     uint32_t values[kFieldsMax];
     for (size_t i = 0; i < layout.count; ++i)
-        if (!consume(layout.fields[i], &values[i]))
+        if (!consume(layout.fields[i], &value, &values[i]))
             return 1;
 
     printf("%s", layout.title);
@@ -181,67 +188,70 @@ int measure(uint32_t sub, uint32_t data_id, const Layout& layout) {
     return 0;
 }
 
+constexpr int kAnySub = -1;
+
+struct Measurement {
+    int opt;
+    uint32_t data_id;
+    const Layout* layout;
+    const char* help;
+    int fixed_sub = kAnySub;  // the subscription to ask, whatever was typed
+};
+
+constexpr Measurement kMeasurements[] = {
+    {0, 82, &kLte, " sub                   /* 4G PCC rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {1, 103, &kLte, " sub                   /* 4G SCC1 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {2, 104, &kLte, " sub                   /* 4G SCC2 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {3, 105, &kLte, " sub                   /* 4G SCC3 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {4, 106, &kLte, " sub                   /* 4G SCC4 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {5, 107, &kLte, " sub                   /* 4G SCC5 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {6, 108, &kLte, " sub                   /* 4G SCC6 rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {7, 94, &kNrRssi, " sub                   /* 5G PCC rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {8, 112, &kNrSnr, " sub                   /* 5G PCC snr, sub: 0 - sub0; 1 - sub1 */"},
+    {9, 113, &kNrAntDiversity, " sub                   /* 5G ANT diversity, sub: 0 - sub0; 1 - sub1 */"},
+    {10, 135, &kNrRsrp, " sub                  /* 5G PCC rsrp, sub: 0 - sub0; 1 - sub1 */"},
+    {11, 6, &kNrRsrp, " sub                  /* 5G SCC1 rsrp, sub: 0 - sub0; 1 - sub1 */"},
+    {12, 7, &kNrRsrp, " sub                  /* 5G SCC2 rsrp, sub: 0 - sub0; 1 - sub1 */"},
+    {20, 110, &kWcdma, " sub                  /* WCDMA rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {21, 111, &kGsm, " sub                  /* GSM rssi, sub: 0 - sub0; 1 - sub1 */"},
+    {30, 100, &kAntInfo, " 0                    /* Ant info */", 0},
+};
+
+// The help's view of the rows.
+constexpr auto kCommands = [] {
+    std::array<Command, std::size(kMeasurements)> commands{};
+    for (size_t i = 0; i < commands.size(); ++i)
+        commands[i] = {kMeasurements[i].opt, kMeasurements[i].help, nullptr};
+    return commands;
+}();
+
 }  // namespace
 
-int kelvra_test_qmi_modem_stats_4g_rssi(uint32_t sub, uint32_t data_id) {
-    return measure(sub, data_id, kLte);
-}
-int kelvra_test_qmi_modem_stats_5g_rssi(uint32_t sub) {
-    return measure(sub, 94, kNrRssi);
-}
-int kelvra_test_qmi_modem_stats_5g_snr(uint32_t sub) {
-    return measure(sub, 112, kNrSnr);
-}
-int kelvra_test_qmi_modem_stats_5g_ant_diversity(uint32_t sub) {
-    return measure(sub, 113, kNrAntDiversity);
-}
-int kelvra_test_qmi_modem_stats_5g_rsrp(uint32_t sub, uint32_t data_id) {
-    return measure(sub, data_id, kNrRsrp);
-}
-int kelvra_test_qmi_modem_stats_wcdma_rssi(uint32_t sub) {
-    return measure(sub, 110, kWcdma);
-}
-int kelvra_test_qmi_modem_stats_gsm_rssi(uint32_t sub) {
-    return measure(sub, 111, kGsm);
-}
-int kelvra_test_qmi_modem_stats_ant_info(uint32_t) {
-    return measure(0, 100, kAntInfo);
-}
+const Group kStatsQmiGroup =
+    make_group(9, "kelvra modem stats qmi test", kelvra_test_qmi_modem_stats_do, kCommands);
 
 int kelvra_test_qmi_modem_stats_hdl(int opt, int sub) {
-    const auto subscription = static_cast<uint32_t>(sub);
-    switch (opt) {
-        case 0:
-            return kelvra_test_qmi_modem_stats_4g_rssi(subscription, 82);
-        case 1:
-        case 2:
-        case 3:
-        case 4:
-        case 5:
-        case 6: {
-            constexpr uint32_t kScc1 = 103;
-            return kelvra_test_qmi_modem_stats_4g_rssi(subscription, kScc1 + static_cast<uint32_t>(opt - 1));
+    for (const Measurement& each : kMeasurements) {
+        if (each.opt == opt) {
+            const int asked = each.fixed_sub == kAnySub ? sub : each.fixed_sub;
+            return measure(static_cast<uint32_t>(asked), each.data_id, *each.layout);
         }
-        case 7:
-            return kelvra_test_qmi_modem_stats_5g_rssi(subscription);
-        case 8:
-            return kelvra_test_qmi_modem_stats_5g_snr(subscription);
-        case 9:
-            return kelvra_test_qmi_modem_stats_5g_ant_diversity(subscription);
-        case 10:
-            return kelvra_test_qmi_modem_stats_5g_rsrp(subscription, 135);
-        case 11:
-            return kelvra_test_qmi_modem_stats_5g_rsrp(subscription, 6);
-        case 12:
-            return kelvra_test_qmi_modem_stats_5g_rsrp(subscription, 7);
-        case 20:
-            return kelvra_test_qmi_modem_stats_wcdma_rssi(subscription);
-        case 21:
-            return kelvra_test_qmi_modem_stats_gsm_rssi(subscription);
-        case 30:
-            return kelvra_test_qmi_modem_stats_ant_info(subscription);
-        default:
-            printf("kelvra_test_qmi_modem_stats_hdl: Unknown opt(%d), sub(%d)\n", opt, sub);
-            return 0;
     }
+    printf("kelvra_test_qmi_modem_stats_hdl: Unknown opt(%d), sub(%d)\n", opt, sub);
+    return 0;
+}
+
+int kelvra_test_qmi_modem_stats_do(int argc, char** argv) {
+    if (argc < 4)
+        return refuse_too_few_parameters(kStatsQmiGroup);
+    if (atoi(argv[1]) != kStatsQmiGroup.number)
+        return refuse_first_parameter(kStatsQmiGroup);
+
+    const int opt = atoi(argv[2]);
+    const int sub = atoi(argv[3]);
+    kelvra_qmi_modem_stats_api_init();
+    kelvra_test_qmi_modem_stats_start();
+    printf("opt = %d, sub = %d, g_kolvo_client_id = %d\n", opt, sub, g_kolvo_client_id);
+    kelvra_test_qmi_modem_stats_hdl(opt, sub);
+    return kelvra_qmi_modem_stats_api_deinit();
 }

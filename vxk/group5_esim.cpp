@@ -8,12 +8,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "kelvra_cmn_esim.h"
+#include "group5_esim.h"
 #include "kelvra_extend_cmn.h"
 #include "kelvra_extend_nvefs.h"
 #include "kelvra_log.h"
 #include "kelvra_parse.h"
-#include "kelvra_qmi_test_cmn.h"
 #include "kelvra_uim_requests.h"
 
 KELVRA_LOG_UNIT("kelvra_qmi_test_cmn");

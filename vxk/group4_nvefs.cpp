@@ -3,17 +3,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 #include "groups.h"
 #include "hex_dump.h"
 #include "kelvra_extend_nvefs.h"
-#include "notes.h"
-#include "show_help.h"
 
 namespace {
 
-constexpr int kGroup = 4;
 // The longest item or file that a command shows or writes.
 constexpr int kDataMax = 365;
 static_assert(kDataMax <= static_cast<int>(kNvItemMax), "an item that is typed can be written");
@@ -103,24 +99,26 @@ int kelvra_nvefs_test_efs_delete(int argc, char** argv) {
     return outcome(kelvra_efs_delete(sub_id_of(argv), argv[4], path_len_of(argv)));
 }
 
-using Command = int (*)(int argc, char** argv);
-
-// By sub-option, from 1.
 constexpr Command kCommands[] = {
-    kelvra_nvefs_test_nv_read,  kelvra_nvefs_test_nv_write,  kelvra_nvefs_test_nv_delete,
-    kelvra_nvefs_test_efs_read, kelvra_nvefs_test_efs_write, kelvra_nvefs_test_efs_delete,
+    {1, " sub nv_id             /* nv read */", kelvra_nvefs_test_nv_read},
+    {2, " sub nv_id nv_data     /* nv write */", kelvra_nvefs_test_nv_write},
+    {3, " sub nv_id             /* nv delete */", kelvra_nvefs_test_nv_delete},
+    {4, " sub efs_path          /* efs read */", kelvra_nvefs_test_efs_read},
+    {5, " sub efs_path efs_data /* efs write */", kelvra_nvefs_test_efs_write},
+    {6, " sub efs_path          /* efs delete */", kelvra_nvefs_test_efs_delete},
 };
 
 }  // namespace
 
+const Group kNvefsGroup = make_group(4, "nvefs option cmd: ", kelvra_test_nvefs_do, kCommands);
+
 int kelvra_test_nvefs_do(int argc, char** argv) {
-    if (atoi(argv[1]) != kGroup)
-        return refuse_first_parameter(kGroup);
+    if (atoi(argv[1]) != kNvefsGroup.number)
+        return refuse_first_parameter(kNvefsGroup);
     if (argc <= 2)
-        return refuse_too_few_parameters(kGroup);
-    const int sub_option = atoi(argv[2]);
-    if (sub_option < 1 || sub_option > static_cast<int>(std::size(kCommands)))
-        return refuse_second_parameter(kGroup);
-    const int result = kCommands[sub_option - 1](argc, argv);
-    return result == 0 ? 0 : report_error(kGroup, result);
+        return refuse_too_few_parameters(kNvefsGroup);
+    const Command* const command = find_command(kNvefsGroup, atoi(argv[2]));
+    if (command == nullptr)
+        return refuse_second_parameter(kNvefsGroup);
+    return report_result(kNvefsGroup, command->run(argc, argv));
 }

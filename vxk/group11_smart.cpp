@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 #include "cutils/properties.h"
 #include "fatal.h"
@@ -15,14 +14,11 @@
 #include "kelvra_extend_nvefs.h"
 #include "kelvra_log.h"
 #include "little_endian.h"
-#include "notes.h"
-#include "show_help.h"
 
 KELVRA_LOG_UNIT("kelvra_smart_test");
 
 namespace {
 
-constexpr int kGroup = 11;
 constexpr int kSub = 0;
 
 // How the handset recovers from a crash of the modem: the modem restarts alone, or everything stops for a
@@ -201,43 +197,54 @@ void kelvra_smart_test_bp_rf_print_switch(int opt) {
     switch_modem_print({"bp_rf_print", "/nv/item_files/modem/kelvra/rf_print_mask", 0x0f, 4}, opt);
 }
 
-// By sub-option; the switches from kFirstSwitch on.
-constexpr int (*kActions[])() = {
-    kelvra_smart_test_modem_ssr,
-    kelvra_smart_test_full_dump,
-    kelvra_smart_test_nv_sync,
-};
-constexpr int kFirstSwitch = static_cast<int>(std::size(kActions));
-constexpr void (*kSwitches[])(int opt) = {
-    kelvra_smart_test_ap_kolvo_switch,
-    kelvra_smart_test_bp_kolvo_print_switch,
-    kelvra_smart_test_bp_qmi_print_switch,
-    kelvra_smart_test_bp_rf_print_switch,
-};
-constexpr int kEnd = kFirstSwitch + static_cast<int>(std::size(kSwitches));
+template <int (*Action)()>
+int run_action(int, char**) {
+    return Action();
+}
 
-}  // namespace
-
-int kelvra_smart_test_do(int argc, char** argv) {
-    if (argc <= 2)
-        return refuse_too_few_parameters(kGroup);
-    if (atoi(argv[1]) != kGroup)
-        return refuse_first_parameter(kGroup);
-
-    const int sub = atoi(argv[2]);
-    if (sub < 0 || sub >= kEnd) {
-        printf("invalid par_i = %d\n", sub);
-        return show_help(kGroup);
-    }
-    if (sub < kFirstSwitch)
-        return kActions[sub]();
+template <void (*Switch)(int opt)>
+int run_switch(int argc, char** argv) {
     if (argc < 4)
-        return refuse_too_few_parameters(kGroup);
+        return refuse_too_few_parameters(kSmartGroup);
     const int opt = atoi(argv[3]);
     if (opt != 0 && opt != 1) {
         printf("\nnote: opt(%d) is invalid:\n", opt);
-        return show_help(kGroup);
+        return show_help(kSmartGroup);
     }
-    kSwitches[sub - kFirstSwitch](opt);
+    Switch(opt);
     return 0;
+}
+
+// clang-format off
+constexpr Command kCommands[] = {
+    {0, "                      /* trigger SSR of modem */", run_action<kelvra_smart_test_modem_ssr>},
+    {1, "                      /* trigger Full Dump */", run_action<kelvra_smart_test_full_dump>},
+    {2, "                      /* trigger NV SYNC */", run_action<kelvra_smart_test_nv_sync>},
+    {3, " opt                  /* ap kolvo print(need reboot), opt: 0 - off; 1 - on */",
+     run_switch<kelvra_smart_test_ap_kolvo_switch>},
+    {4, " opt                  /* bp kolvo print, opt: 0 - off; 1 - on */",
+     run_switch<kelvra_smart_test_bp_kolvo_print_switch>},
+    {5, " opt                  /* bp qmi print, opt: 0 - off; 1 - on */",
+     run_switch<kelvra_smart_test_bp_qmi_print_switch>},
+    {6, " opt                  /* bp rf print, opt: 0 - off; 1 - on */",
+     run_switch<kelvra_smart_test_bp_rf_print_switch>},
+};
+// clang-format on
+
+}  // namespace
+
+const Group kSmartGroup = make_group(11, "smart test", kelvra_smart_test_do, kCommands);
+
+int kelvra_smart_test_do(int argc, char** argv) {
+    if (argc <= 2)
+        return refuse_too_few_parameters(kSmartGroup);
+    if (atoi(argv[1]) != kSmartGroup.number)
+        return refuse_first_parameter(kSmartGroup);
+    const int par_i = atoi(argv[2]);
+    const Command* const command = find_command(kSmartGroup, par_i);
+    if (command == nullptr) {
+        printf("invalid par_i = %d\n", par_i);
+        return show_help(kSmartGroup);
+    }
+    return command->run(argc, argv);
 }

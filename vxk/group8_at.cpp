@@ -8,11 +8,9 @@
 #include <cstring>
 
 #include "groups.h"
-#include "show_help.h"
 
 namespace {
 
-constexpr int kGroup = 8;
 constexpr char kAtDevice[] = "/dev/smd8";
 constexpr size_t kAtCommandMax = 100;
 constexpr size_t kShellCommandMax = 500;
@@ -22,7 +20,7 @@ std::atomic<unsigned char> g_at_receive_done{0};
 
 int give_up() {
     g_at_receive_done = 0;
-    return show_help(kGroup);
+    return show_help(kAtGroup);
 }
 
 // The channel's answers are not read: the device is open for nobody but the shell.
@@ -45,15 +43,27 @@ int kelvra_test_at_cmd_send(const char* atcmd) {
     return result;
 }
 
+// clang-format off
+constexpr Command kCommands[] = {
+    {kNoSubOption, " atcmd_cxt               /* atcmd_cxt: at command context */\n"
+                   "                                    the len of atcmd can not > 100",
+     kelvra_test_at_cmd_do},
+};
+// clang-format on
+static_assert(kAtCommandMax == 100, "the help says so");
+
 }  // namespace
+
+const Group kAtGroup = make_group(8, "kelvra at command test", kelvra_test_at_cmd_do, kCommands);
 
 int kelvra_test_at_cmd_do(int argc, char** argv) {
     if (argc != 3) {
         puts("\nnote: The number of inputs should be 2, Pls refer to the following cmd:");
         return give_up();
     }
-    if (atoi(argv[1]) != kGroup) {
-        printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n", kGroup);
+    if (atoi(argv[1]) != kAtGroup.number) {
+        printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n",
+               kAtGroup.number);
         return give_up();
     }
     if (strlen(argv[2]) > kAtCommandMax) {

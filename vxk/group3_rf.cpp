@@ -10,11 +10,9 @@
 #include "kelvra_extend_cmn.h"
 #include "kelvra_extend_nvefs.h"
 #include "little_endian.h"
-#include "notes.h"
 
 namespace {
 
-constexpr int kGroup = 3;
 constexpr int kSub = 0;
 constexpr uint32_t kFileMax = 365;
 
@@ -52,10 +50,11 @@ int send(const Request& request) {
 }
 
 // True when a command that takes no arguments has none, else says how it is to be typed.
-bool stands_alone(int argc, int sub_option) {
+bool takes_no_arguments(int argc, int sub_option) {
     if (argc == 3)
         return true;
-    printf("\nnote: Cmd error, should be: vxk %d %d , Pls refer to the following cmd:\n", kGroup, sub_option);
+    printf("\nnote: Cmd error, should be: vxk %d %d , Pls refer to the following cmd:\n", kRfGroup.number,
+           sub_option);
     return false;
 }
 
@@ -94,12 +93,12 @@ int kelvra_gpio_test_set(int argc, char** argv) {
 
 int kelvra_gpio_test_get(int argc) {
     puts("kelvra_gpio_test_get");
-    return stands_alone(argc, 1) ? print_config(kGpioFile) : kBadCommandLine;
+    return takes_no_arguments(argc, 1) ? print_config(kGpioFile) : kBadCommandLine;
 }
 
 int kelvra_gpio_test_closed(int argc) {
     puts("kelvra_gpio_test_closed");
-    return stands_alone(argc, 2) ? delete_config(kGpioFile) : kBadCommandLine;
+    return takes_no_arguments(argc, 2) ? delete_config(kGpioFile) : kBadCommandLine;
 }
 
 int kelvra_rf_tx_test_set(int argc, char** argv) {
@@ -121,44 +120,51 @@ int kelvra_rf_tx_test_set(int argc, char** argv) {
 
 int kelvra_rf_tx_test_get(int argc) {
     puts("kelvra_rf_tx_test_get");
-    return stands_alone(argc, 4) ? print_config(kTxFile) : kBadCommandLine;
+    return takes_no_arguments(argc, 4) ? print_config(kTxFile) : kBadCommandLine;
 }
 
 int kelvra_rf_tx_test_closed(int argc) {
     puts("kelvra_rf_tx_test_closed");
-    return stands_alone(argc, 5) ? delete_config(kTxFile) : kBadCommandLine;
+    return takes_no_arguments(argc, 5) ? delete_config(kTxFile) : kBadCommandLine;
 }
+
+// clang-format off
+constexpr Command kCommands[] = {
+    {0, " ...   /* gpio value setting(pls input enough gpio value by notice)*/\n"
+        "                    (need to reboot duing first setting) ",
+     kelvra_gpio_test_set},
+    {1, "       /* get gpio test state */",
+     [](int argc, char**) { return kelvra_gpio_test_get(argc); }},
+    {2, "       /* Close gpio test(need to reboot) */",
+     [](int argc, char**) { return kelvra_gpio_test_closed(argc); }},
+    {3, " v_ant v_sys v_band_list\n"
+        "                 /* fix tx to upper(lower) antenna for given band list */\n"
+        "                    (need to reboot) \n"
+        "                    v_ant: 0 - lower antenna, 1 - upper antenna \n"
+        "                    v_sys: 0 - gsm, 1 - wcdma, 2 - cdma, 3 - tds, 4 - lte \n"
+        "                    v_band_list: bit0~bi43 - (gsm: 850,900,1800,1900; wcdma: b1,b2,b4,b5,b8; \n"
+        "                                            cdma: bc0, tds: b34,b39; lte: b1...b44 \n"
+        "                    v_band_list: bit44~bi63 - (only for lte: b28b,b40b,b41b,b41c,b39b,b252,\n"
+        "                                            b255,b253,b254,b66,b46,b250,b47,b48,b71,b71b,b38k ...  ",
+     kelvra_rf_tx_test_set},
+    {4, "       /* get tx test state */",
+     [](int argc, char**) { return kelvra_rf_tx_test_get(argc); }},
+    {5, "       /* Close tx test(need to reboot) */",
+     [](int argc, char**) { return kelvra_rf_tx_test_closed(argc); }},
+};
+// clang-format on
 
 }  // namespace
 
-int kelvra_test_rf_do(int argc, char** argv) {
-    if (atoi(argv[1]) != kGroup)
-        return refuse_first_parameter(kGroup);
-    if (argc <= 2)
-        return refuse_too_few_parameters(kGroup);
+const Group kRfGroup = make_group(3, "rf option cmd", kelvra_test_rf_do, kCommands);
 
-    int result = 0;
-    switch (atoi(argv[2])) {
-        case 0:
-            result = kelvra_gpio_test_set(argc, argv);
-            break;
-        case 1:
-            result = kelvra_gpio_test_get(argc);
-            break;
-        case 2:
-            result = kelvra_gpio_test_closed(argc);
-            break;
-        case 3:
-            result = kelvra_rf_tx_test_set(argc, argv);
-            break;
-        case 4:
-            result = kelvra_rf_tx_test_get(argc);
-            break;
-        case 5:
-            result = kelvra_rf_tx_test_closed(argc);
-            break;
-        default:
-            return refuse_second_parameter(kGroup);
-    }
-    return result == 0 ? 0 : report_error(kGroup, result);
+int kelvra_test_rf_do(int argc, char** argv) {
+    if (atoi(argv[1]) != kRfGroup.number)
+        return refuse_first_parameter(kRfGroup);
+    if (argc <= 2)
+        return refuse_too_few_parameters(kRfGroup);
+    const Command* const command = find_command(kRfGroup, atoi(argv[2]));
+    if (command == nullptr)
+        return refuse_second_parameter(kRfGroup);
+    return report_result(kRfGroup, command->run(argc, argv));
 }

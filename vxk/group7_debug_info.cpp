@@ -1,4 +1,4 @@
-#include "kelvra_modem_stats_debug.h"
+#include "group7_debug_info.h"
 
 #include <algorithm>
 #include <cinttypes>

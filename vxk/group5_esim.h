@@ -1,7 +1,10 @@
-// Pieces of the eSIM state command that stand on their own.
+// The eSIM state command of group 5, and its pieces.
 #pragma once
 
 #include <cstdint>
+
+/// Takes the whole command line. Returns -1 when it is too short, else 0: the outcome is printed.
+int kelvra_cmn_esim_test(int argc, char** argv);
 
 /// Set once the EID is known to be stored; this process does not look again. Main thread only.
 extern bool IS_EID_SAVE;

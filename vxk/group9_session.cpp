@@ -1,24 +1,15 @@
-#include "kelvra_test_qmi_modem_stats.h"
+#include "group9_session.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "fatal.h"
-#include "groups.h"
-#include "kelvra_modem_stats_measure.h"
 #include "modem_api.h"
-#include "notes.h"
 
 int32_t g_kolvo_req_number = 0;
-uint8_t g_kolvo_data[VS_VALUE_MAX_V01];
-int32_t g_kolvo_data_left = 0;
-int32_t g_pK_DATA_CNT = 0;
-uint32_t g_kolvo_data_id = 0;
 
 namespace {
 
-constexpr int kGroup = 9;
 constexpr uint32_t kSubscriptions = 2;
 
 // The session needs no callback, but a client has them.
@@ -30,25 +21,6 @@ void free_client() {
         return;
     modem_api_free_client(g_kolvo_client_id);
     g_kolvo_client_id = -1;
-}
-
-int kelvra_qmi_modem_stats_api_init() {
-    free_client();
-    modem_api_release();
-    modem_api_init();
-    return modem_api_init_client(MODEM_API_CLIENT_VS, kelvra_test_qmi_modem_stats_callback_event_cb,
-                                 kelvra_test_qmi_modem_stats_operational_status_cb);
-}
-
-void kelvra_test_qmi_modem_stats_start() {
-    const int result = modem_api_set_kolvo_feature_status();
-    if (result != 0)
-        printf("modem_api_set_kolvo_feature_status, start fail, result = %d\n", result);
-}
-
-int kelvra_qmi_modem_stats_api_deinit() {
-    free_client();
-    return modem_api_release();
 }
 
 int next_request_number() {
@@ -97,8 +69,22 @@ bool check_answer(const modem_stats_param_list& list, int number, int sub, int d
 
 }  // namespace
 
-int kelvra_test_qmi_modem_stats_get(uint32_t sub, uint32_t data_id) {
-    memset(g_kolvo_data, 0, sizeof g_kolvo_data);
+int kelvra_qmi_modem_stats_api_init() {
+    free_client();
+    modem_api_release();
+    modem_api_init();
+    return modem_api_init_client(MODEM_API_CLIENT_VS, kelvra_test_qmi_modem_stats_callback_event_cb,
+                                 kelvra_test_qmi_modem_stats_operational_status_cb);
+}
+
+void kelvra_test_qmi_modem_stats_start() {
+    const int result = modem_api_set_kolvo_feature_status();
+    if (result != 0)
+        printf("modem_api_set_kolvo_feature_status, start fail, result = %d\n", result);
+}
+
+int kelvra_test_qmi_modem_stats_get(uint32_t sub, uint32_t data_id, KolvoValue* value) {
+    *value = {};
     if (g_kolvo_client_id == -1) {
         puts("kolvo qmi is not yet inited");
         return 1;
@@ -122,24 +108,13 @@ int kelvra_test_qmi_modem_stats_get(uint32_t sub, uint32_t data_id) {
     if (!check_answer(list, number, printed_sub, printed_id))
         return 1;
     const modem_stats_param_type& param = list.params[0];
-    memcpy(g_kolvo_data, param.value, param.value_len);
-    g_kolvo_data_left = static_cast<int32_t>(param.value_len);
-    g_pK_DATA_CNT = 0;
-    g_kolvo_data_id = param.id;
+    memcpy(value->data, param.value, param.value_len);
+    value->data_left = static_cast<int32_t>(param.value_len);
+    value->data_id = param.id;
     return 0;
 }
 
-int kelvra_test_qmi_modem_stats_do(int argc, char** argv) {
-    if (argc < 4)
-        return refuse_too_few_parameters(kGroup);
-    if (atoi(argv[1]) != kGroup)
-        return refuse_first_parameter(kGroup);
-
-    const int opt = atoi(argv[2]);
-    const int sub = atoi(argv[3]);
-    kelvra_qmi_modem_stats_api_init();
-    kelvra_test_qmi_modem_stats_start();
-    printf("opt = %d, sub = %d, g_kolvo_client_id = %d\n", opt, sub, g_kolvo_client_id);
-    kelvra_test_qmi_modem_stats_hdl(opt, sub);
-    return kelvra_qmi_modem_stats_api_deinit();
+int kelvra_qmi_modem_stats_api_deinit() {
+    free_client();
+    return modem_api_release();
 }
