@@ -21,6 +21,12 @@ void add_boot_options(CLI::App& command, handset::BootOptions& options, const st
             "--profile", options.profile,
             "What kind of handset: a JSON file, \"-\" for standard input, or the name of an installed one")
         ->type_name("FILE");
+    command
+        .add_option_function<std::string>(
+            "--bus", [&options](const std::string&) { options.on_qrtr = true; },
+            "\"qrtr\": on the kernel's modem bus too, besides the folder")
+        ->check(CLI::IsMember({"qrtr"}))
+        ->type_name("BUS");
 }
 
 void add_dir_option(CLI::App& command, std::string& dir) {

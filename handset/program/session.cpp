@@ -18,6 +18,7 @@
 #include "error.h"
 #include "handset.h"
 #include "installation.h"
+#include "qrtr_transport.h"
 #include "temporary_folder.h"
 
 namespace handset {
@@ -63,6 +64,14 @@ Profile profile_of(const BootOptions& options) {
     return options.profile.empty() ? Profile() : load_profile(found_profile(options.profile));
 }
 
+// What reaches the handset beside its folder.
+std::vector<std::unique_ptr<Transport>> transports_of(const BootOptions& options, EventLoop& loop) {
+    std::vector<std::unique_ptr<Transport>> transports;
+    if (options.on_qrtr)
+        transports.push_back(std::make_unique<QrtrTransport>(loop));
+    return transports;
+}
+
 // Returns 0 or the errno that kept the command from starting, which the child sends through a pipe that a
 // started command closes. posix_spawn's own report does not come through user-mode emulation. The command
 // dies with this process, however that ends.
@@ -105,7 +114,7 @@ int status_of(int wait_status) {
 
 int run_in(const std::string& folder, const BootOptions& options, const std::vector<std::string>& command) {
     EventLoop loop;
-    Handset handset(loop, folder, profile_of(options));
+    Handset handset(loop, folder, profile_of(options), transports_of(options, loop));
     pid_t child = 0;
     int wait_status = 0;
     const Signals signals(loop, {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP}, [&](int number) {
@@ -136,7 +145,8 @@ int serve(const BootOptions& options) {
     EventLoop loop;
     // Before the boot, so that a signal during it does not leave the sockets behind.
     const Signals signals(loop, {SIGINT, SIGTERM, SIGHUP}, [&loop](int) { loop.stop(); });
-    Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir), profile);
+    Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir), profile,
+                    transports_of(options, loop));
     printf("vxk-handset: ready in %s\n", handset.folder().c_str());
     fflush(stdout);
     loop.run();

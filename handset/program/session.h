@@ -11,6 +11,7 @@ namespace handset {
 struct BootOptions {
     std::string dir;
     std::string profile;
+    bool on_qrtr = false;  // on the kernel's modem bus too
 };
 
 /// Status of a run whose handset could not boot, so that it is not taken for the command's own.

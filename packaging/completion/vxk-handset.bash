@@ -37,6 +37,7 @@ _vxk_handset() {
     done
     case $previous in
         --dir) _vxk_handset_files -d; return ;;
+        --bus) mapfile -t COMPREPLY < <(compgen -W qrtr -- "$current"); return ;;
         --profile)
             program=$(realpath -- "$(type -P -- "$1")" 2>/dev/null)
             profiles=("${program%/*/*}"/share/vxk/profiles/*.json)
@@ -52,8 +53,8 @@ _vxk_handset() {
         words="run serve shell show log --help --version"
     else
         case ${COMP_WORDS[1]} in
-            run) words="--dir --profile --help --" ;;
-            serve | shell) words="--dir --profile --help" ;;
+            run) words="--dir --profile --bus --help --" ;;
+            serve | shell) words="--dir --profile --bus --help" ;;
             show) words="--dir --help" ;;
             log) words="--dir --follow --system --help" ;;
         esac
