@@ -26,8 +26,9 @@ import time
 from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
+from functools import cache
 from pathlib import Path
-from typing import Any, Iterator
+from typing import Any, Iterable, Iterator
 
 from fault_commands import COMMANDS, LIES, Command
 
@@ -381,8 +382,17 @@ def cases_of(command: Command, healthy: Run) -> Iterator[Case]:
     )
 
 
-def prints(pattern: str, output: str) -> bool:
-    return bool(pattern) and re.search(pattern, output, re.MULTILINE) is not None
+@cache
+def verdict_row(words: str) -> dict[str, Any]:
+    """What the verdict table says of a command."""
+    table = subprocess.run([program("vxk-check"), "--table", "--", *words.split()], stdout=subprocess.PIPE, check=True)
+    return json.loads(table.stdout)[0]
+
+
+def prints(patterns: Iterable[str], output: str) -> bool:
+    """Whether a line of the output is what one of the table's patterns says."""
+    whole = ("^" + re.escape(pattern).replace(r"\*", ".*") + "$" for pattern in patterns)
+    return any(re.search(pattern, output, re.MULTILINE) for pattern in whole)
 
 
 def complaint_of_status(status: int | None, expected: str, result: Run) -> str | None:
@@ -397,8 +407,10 @@ def complaint_of_status(status: int | None, expected: str, result: Run) -> str |
 
 
 def complaint_of_output(command: Command, expected: str, goes_on: bool, output: str) -> str | None:
-    succeeds, fails = prints(command.success, output), prints(command.failure, output)
-    if expected == "success" and command.success and not succeeds:
+    row = verdict_row(command.words)
+    success = command.success or row["success"]
+    succeeds, fails = prints(success, output), prints(command.failure or row["failure"], output)
+    if expected == "success" and success and not succeeds:
         return "no success line"
     if expected == "success" and fails:
         return "a failure line"
