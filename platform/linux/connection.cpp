@@ -1,13 +1,9 @@
 #include "connection.h"
 
-#include <poll.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <sys/socket.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <climits>
 #include <csignal>
 
 namespace seam {
@@ -19,17 +15,6 @@ thread_local const Connection* t_own_connection = nullptr;
 // A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
 constexpr size_t kEventsMax = 256;
 
-using Milliseconds = std::chrono::milliseconds;
-
-Milliseconds left_until(Clock::time_point deadline) {
-    return std::max(std::chrono::ceil<Milliseconds>(deadline - Clock::now()), Milliseconds::zero());
-}
-
-bool peer_is_gone(int fd) {
-    pollfd watched{fd, POLLRDHUP, 0};
-    return poll(&watched, 1, 0) == 1;
-}
-
 void watch(int epoll, int operation, int fd, uint32_t events) {
     epoll_event event{};
     event.events = events;
@@ -39,9 +24,9 @@ void watch(int epoll, int operation, int fd, uint32_t events) {
 
 }  // namespace
 
-Connection::Connection(host::UniqueFd socket, const Protocol& protocol,
+Connection::Connection(std::unique_ptr<Channel> channel, const Protocol& protocol,
                        std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end)
-    : socket_(std::move(socket)),
+    : channel_(std::move(channel)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       epoll_(epoll_create1(EPOLL_CLOEXEC)),
       protocol_(protocol),
@@ -50,7 +35,9 @@ Connection::Connection(host::UniqueFd socket, const Protocol& protocol,
       buffer_size_(protocol.packet_max + 1),
       buffer_(new uint8_t[buffer_size_]) {
     watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
-    watch(epoll_.get(), EPOLL_CTL_ADD, socket_.get(), EPOLLIN);
+    watch(epoll_.get(), EPOLL_CTL_ADD, channel_->descriptor(), EPOLLIN);
+    if (channel_->end_descriptor() >= 0)
+        watch(epoll_.get(), EPOLL_CTL_ADD, channel_->end_descriptor(), EPOLLIN);
 }
 
 Connection::~Connection() {
@@ -77,7 +64,7 @@ void Connection::close() {
         if (is_closed_)
             return;
         is_closed_ = true;
-        shutdown(socket_.get(), SHUT_RDWR);
+        channel_->shut();
         wake();
     }
     if (is_started_)
@@ -123,21 +110,18 @@ Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Clock:
 /// kAnswered: sent.
 Connection::Outcome Connection::send(wire::View packet, Clock::time_point deadline) {
     for (;;) {
-        if (::send(socket_.get(), packet.data, packet.size, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
-            return Outcome::kAnswered;
-        if (errno == EINTR)
-            continue;
-        if (errno == EPIPE || errno == ECONNRESET) {
-            // A peer that takes no more has ended the connection, also if it goes on sending.
-            shutdown(socket_.get(), SHUT_RDWR);
-            return Outcome::kEnded;
+        switch (channel_->send(packet)) {
+            case Channel::Sent::kDone:
+                return Outcome::kAnswered;
+            case Channel::Sent::kEnded:
+                return Outcome::kEnded;
+            case Channel::Sent::kRefused:
+                return Outcome::kRefused;
+            case Channel::Sent::kNoRoom:
+                if (Clock::now() >= deadline)
+                    return Outcome::kTimedOut;
+                channel_->wait_for_room(deadline);
         }
-        if (errno != EAGAIN)
-            return Outcome::kRefused;
-        if (Clock::now() >= deadline)
-            return Outcome::kTimedOut;
-        pollfd watched{socket_.get(), POLLOUT, 0};
-        poll(&watched, 1, static_cast<int>(std::min<int64_t>(left_until(deadline).count(), INT_MAX)));
     }
 }
 
@@ -150,9 +134,9 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
         const bool must_wait = events_.size() >= kEventsMax && !is_own_thread();
         if (reader_ == &request && !must_wait) {
             lock.unlock();
-            const ssize_t size = receive_until(deadline);
+            const ssize_t size = receive(deadline);
             lock.lock();
-            sort(size);
+            take(size);
             is_late = !request.is_answered && Clock::now() >= deadline;
         } else {
             is_late = changed_.wait_until(lock, deadline) == std::cv_status::timeout;
@@ -160,16 +144,16 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
     }
 }
 
-// Taking the socket out of the thread's watch, and not only telling the thread to leave it alone, keeps the
+// Taking the channel out of the thread's watch, and not only telling the thread to leave it alone, keeps the
 // answer from waking two threads. A peer that goes away is reported all the same.
 void Connection::start_reading(const Request& request) {
     reader_ = &request;
-    watch(epoll_.get(), EPOLL_CTL_MOD, socket_.get(), 0);
+    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), 0);
 }
 
 void Connection::stop_reading() {
     reader_ = nullptr;
-    watch(epoll_.get(), EPOLL_CTL_MOD, socket_.get(), EPOLLIN);
+    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), EPOLLIN);
     changed_.notify_all();
 }
 
@@ -190,39 +174,21 @@ void Connection::repeat_end() {
 
 // Whoever reads.
 
-/// One packet into the buffer. Returns its size, or the negative errno.
-ssize_t Connection::receive_now(int flags) {
-    const ssize_t size = recv(socket_.get(), buffer_.get(), buffer_size_, flags);
-    return size < 0 ? -errno : size;
+/// One packet into the buffer; returns what Channel::receive() does.
+ssize_t Connection::receive(Clock::time_point deadline) {
+    return channel_->receive(buffer_.get(), buffer_size_, deadline);
 }
 
-/// May come back before the deadline with nothing. The socket keeps its time limit, because it is mostly the
-/// same one; a long one would be kept by the second, not by the millisecond.
-ssize_t Connection::receive_until(Clock::time_point deadline) {
-    constexpr Milliseconds kLongestLimit(1000);
-    const auto left = std::min(left_until(deadline), kLongestLimit);
-    if (left.count() == 0)
-        return receive_now(MSG_DONTWAIT);
-    if (left != receive_limit_) {
-        const timeval limit{left.count() / 1000, left.count() % 1000 * 1000};
-        setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-        receive_limit_ = left;
-    }
-    return receive_now(0);
-}
-
-/// Puts what was received where it belongs. The lock is held.
-void Connection::sort(ssize_t size) {
+/// Takes what receive() returned. The lock is held.
+void Connection::take(ssize_t size) {
     if (size > 0)
-        return sort(wire::View(buffer_.get(), static_cast<size_t>(size)));
-    // An empty packet also reads as 0, and a reset is reported once, before the packets that came ahead of
-    // it.
-    const bool may_go_on = size == -EAGAIN || size == -EINTR || size == -ECONNRESET;
-    if (!may_go_on && (size < 0 || peer_is_gone(socket_.get())))
+        hand_out({buffer_.get(), static_cast<size_t>(size)});
+    else if (size < 0)
         end();
 }
 
-void Connection::sort(wire::View packet) {
+/// Puts a packet into the hands of whom it is for. The lock is held.
+void Connection::hand_out(wire::View packet) {
     const auto key = protocol_.answer_key(packet);
     if (!key) {
         events_.push_back(packet.copy());
@@ -295,8 +261,8 @@ void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& loc
     eventfd_read(wake_.get(), &wakes);
     lock.lock();
     if (!reader_)
-        return sort(receive_now(MSG_DONTWAIT));
-    // The socket ended, or was readable just before a caller took it over: the caller reads on.
+        return take(receive(Clock::now()));
+    // The channel ended, or was readable just before a caller took it over: the caller reads on.
     changed_.wait(lock, [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); });
 }
 

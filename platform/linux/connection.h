@@ -1,14 +1,13 @@
-// One connection to the handset: callers exchange requests and answers, and everything else that arrives is
+// One connection to a service: callers exchange requests and answers, and everything else that arrives is
 // delivered on a thread of the connection's own.
 //
-// A caller that waits for its answer reads the socket itself, so that an answer needs no hop over a second
+// A caller that waits for its answer reads the channel itself, so that an answer needs no hop over a second
 // thread; what it finds for others it puts into their hands. The connection's thread reads only while nobody
 // waits.
 #pragma once
 
 #include <pthread.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -18,12 +17,11 @@
 #include <optional>
 #include <vector>
 
+#include "road.h"
 #include "unique_fd.h"
 #include "wire.h"
 
 namespace seam {
-
-using Clock = std::chrono::steady_clock;
 
 /// How the packets of one protocol are told apart. Called by any thread, one at a time.
 struct Protocol {
@@ -39,8 +37,8 @@ public:
 
     /// `on_event` gets every packet that is no answer, in the order of arrival; `on_end` runs when the peer
     /// is gone and all events are delivered. Both on the connection's thread.
-    Connection(host::UniqueFd socket, const Protocol& protocol, std::function<void(wire::Bytes&)> on_event,
-               std::function<void()> on_end);
+    Connection(std::unique_ptr<Channel> channel, const Protocol& protocol,
+               std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -51,6 +49,9 @@ public:
     /// Sends a request and waits for the answer that has its key. kRefused: the system does not take the
     /// packet. An answer that comes after the deadline, or that nobody asked for, is dropped. Any thread.
     Outcome exchange(wire::View packet, uint32_t key, Clock::time_point deadline, wire::Bytes& answer);
+
+    /// Sends a packet that has no answer. kAnswered: it is sent. Any thread.
+    Outcome send(wire::View packet, Clock::time_point deadline);
 
     /// After the peer has gone: waits until on_end has returned, or the connection is closed.
     void wait_for_end();
@@ -77,20 +78,18 @@ private:
     static void* thread_main(void* self);
     void run();
     void sleep_until_something_happens(std::unique_lock<std::mutex>& lock);
-    Outcome send(wire::View packet, Clock::time_point deadline);
     void wait_for_answer(Request& request, Clock::time_point deadline, std::unique_lock<std::mutex>& lock);
     void start_reading(const Request& request);
     void stop_reading();
-    ssize_t receive_now(int flags);
-    ssize_t receive_until(Clock::time_point deadline);
-    void sort(ssize_t size);
-    void sort(wire::View packet);
+    ssize_t receive(Clock::time_point deadline);
+    void take(ssize_t size);
+    void hand_out(wire::View packet);
     void end();
     void wake();
 
-    const host::UniqueFd socket_;
+    const std::unique_ptr<Channel> channel_;
     const host::UniqueFd wake_;   // an eventfd
-    const host::UniqueFd epoll_;  // of the connection's thread: the socket and wake_
+    const host::UniqueFd epoll_;  // of the connection's thread: the channel and wake_
     const Protocol protocol_;
     const std::function<void(wire::Bytes&)> on_event_;
     const std::function<void()> on_end_;
@@ -101,12 +100,11 @@ private:
     // Not cleared: most of it is never touched, and clearing it costs a short command more than its exchange.
     const size_t buffer_size_;
     const std::unique_ptr<uint8_t[]> buffer_;
-    std::chrono::milliseconds receive_limit_{0};
 
     std::mutex mutex_;  // guards all that follows
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
-    const Request* reader_ = nullptr;  // whose caller reads the socket; null: the connection's thread does
+    const Request* reader_ = nullptr;  // whose caller reads the channel; null: the connection's thread does
     std::deque<wire::Bytes> events_;
     bool has_ended_ = false;
     bool is_closed_ = false;

@@ -1,56 +1,25 @@
 #include <algorithm>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <utility>
 
-#include "connection.h"
+#include "diag_link.h"
 #include "diag_lsm.h"
 #include "diag_lsm_dci.h"
-#include "folder.h"
-#include "layout.h"
+#include "modem.h"
+#include "note.h"
 #include "wire.h"
 
 namespace seam {
 
 namespace {
 
-using Outcome = Connection::Outcome;
-
-constexpr std::chrono::seconds kAnswerLimit{5};
 // True on a thread that delivers events, where waiting for the end of a callback would be for ever.
 thread_local bool t_delivers = false;
 
-constexpr int kOpenResult = 1;
 constexpr int kSendFailed = -1;
 constexpr int kDciLost = 1003;
-
-std::optional<uint32_t> answered_op(wire::View packet) {
-    if (!(packet.data[0] & wire::kDiagAnswer))
-        return std::nullopt;
-    return packet.data[0] & ~static_cast<unsigned>(wire::kDiagAnswer);
-}
-
-constexpr Protocol kDiagProtocol{"diag", wire::kDiagPacketMax, answered_op};
-
-/// Result and fields of an answer. What the handset left out reads as zero.
-class Reply {
-public:
-    explicit Reply(wire::Bytes answer) : answer_(std::move(answer)), fields_(answer_) {
-        fields_.u8();
-        result_ = fields_.i32();
-    }
-    Reply(const Reply&) = delete;
-    Reply& operator=(const Reply&) = delete;
-
-    int result() const { return result_; }
-    wire::Reader& fields() { return fields_; }
-
-private:
-    wire::Bytes answer_;
-    wire::Reader fields_;
-    int result_ = 0;
-};
 
 struct ResponseCallback {
     diag_response_cb cb = nullptr;
@@ -79,8 +48,8 @@ public:
     bool open();
     bool close();
 
-    /// One op. Null: the session is closed or lost, or the handset has not answered in time.
-    std::unique_ptr<Reply> ask(uint8_t op, const wire::Writer& payload);
+    /// One op. Null: the session is closed or lost, or has not answered in time.
+    std::unique_ptr<DiagReply> ask(uint8_t op, const wire::Writer& payload);
 
     bool is_open();
 
@@ -100,16 +69,15 @@ public:
     void forget_client(int client);
 
 private:
-    std::shared_ptr<Connection> connection() {
+    std::shared_ptr<DiagLink> link() {
         const std::lock_guard<std::mutex> lock(mutex_);
-        return connection_;
+        return link_;
     }
     /// Returns the one before, to be closed without the lock: its thread may be waiting for that.
-    std::shared_ptr<Connection> set_connection(std::shared_ptr<Connection> next) {
+    std::shared_ptr<DiagLink> set_link(std::shared_ptr<DiagLink> next) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        return std::exchange(connection_, std::move(next));
+        return std::exchange(link_, std::move(next));
     }
-    static std::unique_ptr<Reply> ask(Connection& connection, uint8_t op, const wire::Writer& payload);
     void deliver(wire::Bytes& event);
     void deliver_response(wire::Bytes& event);
     void deliver_dci(wire::Bytes& event);
@@ -117,7 +85,7 @@ private:
     std::mutex session_mutex_;       // held while the session is opened or closed
     std::mutex dci_callback_mutex_;  // held while a DCI callback runs
     std::mutex mutex_;               // guards all that follows
-    std::shared_ptr<Connection> connection_;
+    std::shared_ptr<DiagLink> link_;
     std::map<int, ResponseCallback> callbacks_;  // by processor; 0: the local one
     DciRequest request_;
     DciStreams streams_;
@@ -134,17 +102,10 @@ bool Diag::open() {
     const std::lock_guard<std::mutex> session(session_mutex_);
     if (is_open())
         return true;
-    auto socket = connect_to(host::kDiagPlace);
-    if (!socket)
+    auto fresh = modem()->diag->open([this](wire::Bytes& event) { deliver(event); });
+    if (!fresh)
         return false;
-    const auto fresh = std::make_shared<Connection>(
-        std::move(socket), kDiagProtocol, [this](wire::Bytes& event) { deliver(event); }, [] {});
-    const auto reply = fresh->start() ? ask(*fresh, wire::kDiagOpen, {}) : nullptr;
-    if (!reply || reply->result() != kOpenResult) {
-        fresh->close();
-        return false;
-    }
-    if (const auto lost = set_connection(fresh))
+    if (const auto lost = set_link(std::move(fresh)))
         lost->close();
     return true;
 }
@@ -153,7 +114,7 @@ bool Diag::close() {
     if (t_delivers)
         return false;
     const std::lock_guard<std::mutex> session(session_mutex_);
-    const auto last = set_connection(nullptr);
+    const auto last = set_link(nullptr);
     if (last)
         last->close();
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -164,23 +125,13 @@ bool Diag::close() {
 }
 
 bool Diag::is_open() {
-    const auto current = connection();
+    const auto current = link();
     return current && !current->has_ended();
 }
 
-std::unique_ptr<Reply> Diag::ask(uint8_t op, const wire::Writer& payload) {
-    const auto current = connection();
-    return current ? ask(*current, op, payload) : nullptr;
-}
-
-std::unique_ptr<Reply> Diag::ask(Connection& connection, uint8_t op, const wire::Writer& payload) {
-    wire::Writer packet;
-    packet.u8(op).bytes(payload.data());
-    wire::Bytes answer;
-    if (packet.size() > wire::kDiagPacketMax ||
-        connection.exchange(packet.data(), op, Clock::now() + kAnswerLimit, answer) != Outcome::kAnswered)
-        return nullptr;
-    return std::make_unique<Reply>(std::move(answer));
+std::unique_ptr<DiagReply> Diag::ask(uint8_t op, const wire::Writer& payload) {
+    const auto current = link();
+    return current ? current->ask(op, payload) : nullptr;
 }
 
 /// No callback of the client runs once this has returned, except for the one that this is called from.
@@ -200,7 +151,8 @@ void Diag::forget_client(int client) {
 void Diag::deliver(wire::Bytes& event) {
     t_delivers = true;
     if (event.size() > wire::kDiagPacketMax)
-        return;
+        return note("a diag packet of more than " + std::to_string(wire::kDiagPacketMax) +
+                    " bytes is dropped");
     if (event[0] == wire::kDiagEventResponse)
         deliver_response(event);
     else

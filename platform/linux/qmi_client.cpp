@@ -4,11 +4,10 @@
 #include <atomic>
 #include <cstring>
 #include <memory>
-#include <thread>
 
 #include "connection.h"
-#include "folder.h"
-#include "layout.h"
+#include "modem.h"
+#include "note.h"
 #include "qmi_codec.h"
 #include "qmi_notifier.h"
 
@@ -17,6 +16,9 @@ namespace seam {
 namespace {
 
 using Outcome = Connection::Outcome;
+
+// What opening a service that was found may take.
+constexpr std::chrono::seconds kOpenLimit{1};
 
 constexpr uint32_t request_key(uint16_t transaction, uint16_t message) {
     return static_cast<uint32_t>(transaction) << 16 | message;
@@ -35,13 +37,13 @@ constexpr Protocol kQmiProtocol{"QMI client", wire::kQmiPacketMax, answered_requ
 
 class Client {
 public:
-    Client(host::UniqueFd socket, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb,
+    Client(std::unique_ptr<Channel> channel, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb,
            void* ind_cb_data)
         : service_(service),
           ind_cb_(ind_cb),
           ind_cb_data_(ind_cb_data),
           connection_(
-              std::move(socket), kQmiProtocol, [this](wire::Bytes& packet) { indicate(packet); },
+              std::move(channel), kQmiProtocol, [this](wire::Bytes& packet) { indicate(packet); },
               [this] { report_loss(); }) {}
 
     qmi_idl_service_object_type service() const { return service_; }
@@ -168,9 +170,9 @@ Clients& clients() {
     return *all;
 }
 
-qmi_client_error_type make_client(host::UniqueFd socket, qmi_idl_service_object_type service,
+qmi_client_error_type make_client(std::unique_ptr<Channel> channel, qmi_idl_service_object_type service,
                                   qmi_client_ind_cb ind_cb, void* ind_cb_data, qmi_client_type* handle) {
-    auto client = std::make_shared<Client>(std::move(socket), service, ind_cb, ind_cb_data);
+    auto client = std::make_shared<Client>(std::move(channel), service, ind_cb, ind_cb_data);
     clients().add(client);
     // The first indication may come before this returns, and its callback may use the handle that it is
     // given.
@@ -205,10 +207,12 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info* instance,
     if (!instance || !service || !client)
         return QMI_INTERNAL_ERR;
     *client = nullptr;
-    auto socket = seam::connect_to(host::qmi_place(service->service_id));
-    if (!socket || instance->info[0] != service->service_id)
+    if (instance->info[0] != service->service_id)
         return QMI_SERVICE_ERR;
-    return seam::make_client(std::move(socket), service, ind_cb, ind_cb_data, client);
+    auto channel = seam::modem()->road->open(service->service_id, instance, Clock::now() + seam::kOpenLimit);
+    if (!channel)
+        return QMI_SERVICE_ERR;
+    return seam::make_client(std::move(channel), service, ind_cb, ind_cb_data, client);
 }
 
 extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type service, unsigned int,
@@ -221,12 +225,16 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
     for (;;) {
         const auto now = Clock::now();
-        auto socket = seam::connect_to(host::qmi_place(service->service_id));
-        if (socket)
-            return seam::make_client(std::move(socket), service, ind_cb, ind_cb_data, client);
-        if (now >= deadline)
+        const auto modem = seam::modem();
+        auto channel = modem->road->open(service->service_id, nullptr, deadline);
+        if (channel)
+            return seam::make_client(std::move(channel), service, ind_cb, ind_cb_data, client);
+        if (now >= deadline) {
+            seam::note("no QMI service " + std::to_string(service->service_id) + ": " +
+                       modem->road->absence());
             return QMI_TIMEOUT_ERR;
-        std::this_thread::sleep_until(std::min(now + seam::kLookAgain, deadline));
+        }
+        modem->road->wait_for_change({service->service_id}, deadline);
     }
 }
 

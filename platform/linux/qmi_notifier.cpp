@@ -1,49 +1,27 @@
 #include "qmi_notifier.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <cstdio>
 #include <memory>
 #include <mutex>
-#include <set>
-#include <thread>
+#include <utility>
 #include <vector>
 
-#include "connection.h"
-#include "folder.h"
-#include "layout.h"
+#include "modem.h"
+#include "note.h"
 
 namespace seam {
 
 namespace {
 
-/// What is seen of a service. Another file at the same place is another handset.
-struct Sight {
-    bool is_published = false;
-    ino_t file = 0;
-    timespec made{};
+// What one look may take when its caller has no limit: a service that is stopped, and whose queue of
+// connections is full, accepts nobody.
+constexpr std::chrono::seconds kLookLimit{1};
 
-    bool operator==(const Sight& other) const {
-        return is_published == other.is_published && file == other.file && made.tv_sec == other.made.tv_sec &&
-               made.tv_nsec == other.made.tv_nsec;
-    }
-};
-
-bool is_published(uint32_t service_id) {
-    return static_cast<bool>(connect_to(host::qmi_place(service_id)));
-}
-
-/// Nothing, or the service that is published. `last` is what was seen before: a socket that was listened to
-/// and is still the same is not asked again, so that a waiting client does not keep the handset busy.
-Sight look_at(uint32_t service_id, const Sight& last) {
-    struct stat status;
-    if (stat(handset_path(host::qmi_place(service_id)).c_str(), &status) != 0)
-        return {};
-    const Sight sight{true, status.st_ino, status.st_ctim};
-    return sight == last || is_published(service_id) ? sight : Sight{};
+bool are_same(const Road::Instances& some, const Road::Instances& others) {
+    return std::equal(some.begin(), some.end(), others.begin(), others.end(),
+                      [](const auto& one, const auto& other) {
+                          return std::equal(one.info, std::end(one.info), other.info);
+                      });
 }
 
 /// A signal is known by its address: it is set when a look tells something else than the last one, and
@@ -51,7 +29,8 @@ Sight look_at(uint32_t service_id, const Sight& last) {
 struct Notifier {
     uint32_t service_id;
     const qmi_client_os_params* signal;
-    Sight last;
+    Road::Instances last;
+    bool is_explained;
 };
 
 /// All notifiers of the process. Never destroyed.
@@ -59,7 +38,7 @@ class Notifiers {
 public:
     qmi_client_type add(uint32_t service_id, const qmi_client_os_params* signal) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        notifiers_.push_back(std::make_unique<Notifier>(Notifier{service_id, signal, {}}));
+        notifiers_.push_back(std::make_unique<Notifier>(Notifier{service_id, signal, {}, false}));
         return notifiers_.back().get();
     }
 
@@ -75,38 +54,52 @@ public:
 
     /// True when any service of `signal` may have changed since the last call; before the first, none was
     /// there.
-    bool have_changed(const qmi_client_os_params* signal) {
+    bool have_changed(const qmi_client_os_params* signal, Clock::time_point deadline) {
         const std::lock_guard<std::mutex> lock(mutex_);
         bool any = false;
         for (const auto& notifier : notifiers_) {
             if (notifier->signal != signal)
                 continue;
-            const Sight now = look_at(notifier->service_id, notifier->last);
-            any |= !(now == notifier->last);
-            notifier->last = now;
+            auto now = modem()->road->look(notifier->service_id, notifier->last, deadline);
+            any |= !are_same(now, notifier->last);
+            notifier->last = std::move(now);
         }
         return any;
     }
 
-    /// Tells the person at the shell what an endless wait is for, once a service.
+    /// The service was not there for somebody else: whoever waits for it looks at it anew.
+    void forget(uint32_t service_id) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        for (const auto& notifier : notifiers_) {
+            if (notifier->service_id == service_id)
+                notifier->last.clear();
+        }
+    }
+
+    std::vector<uint32_t> services(const qmi_client_os_params* signal) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        std::vector<uint32_t> services;
+        for (const auto& notifier : notifiers_) {
+            if (notifier->signal == signal)
+                services.push_back(notifier->service_id);
+        }
+        return services;
+    }
+
+    /// Tells the person at the shell what an endless wait is for.
     void explain_wait(const qmi_client_os_params* signal) {
         const std::lock_guard<std::mutex> lock(mutex_);
         for (const auto& notifier : notifiers_) {
-            if (notifier->signal != signal || notifier->last.is_published ||
-                !explained_.insert(notifier->service_id).second)
-                continue;
-            const std::string folder = host::handset_folder();
-            fprintf(stderr,
-                    "%s: waiting for QMI service %u: no handset publishes it in %s. "
-                    "Start one with: vxk-handset serve --dir %s\n",
-                    program_invocation_short_name, notifier->service_id, folder.c_str(), folder.c_str());
+            if (notifier->signal == signal && notifier->last.empty() &&
+                !std::exchange(notifier->is_explained, true))
+                note("waiting for QMI service " + std::to_string(notifier->service_id) + ": " +
+                     modem()->road->absence());
         }
     }
 
 private:
     std::mutex mutex_;
     std::vector<std::unique_ptr<Notifier>> notifiers_;
-    std::set<uint32_t> explained_;
 };
 
 Notifiers& notifiers() {
@@ -140,13 +133,16 @@ extern "C" qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_obj
                                                              unsigned int* num_services) {
     if (!service || !num_services)
         return QMI_INTERNAL_ERR;
-    *num_services = seam::is_published(service->service_id) ? 1 : 0;
+    const auto found = seam::modem()->road->look(service->service_id, {}, Clock::now() + seam::kLookLimit);
+    *num_services = static_cast<unsigned>(found.size());
     const unsigned stored = array && num_entries ? std::min(*num_entries, *num_services) : 0;
-    if (stored != 0)
-        *array = {{service->service_id, 1, 0, 0, 0}};
+    std::copy_n(found.begin(), stored, array);
     if (num_entries)
         *num_entries = stored;
-    return *num_services == 0 ? QMI_SERVICE_ERR : QMI_NO_ERR;
+    if (!found.empty())
+        return QMI_NO_ERR;
+    notifiers().forget(service->service_id);
+    return QMI_SERVICE_ERR;
 }
 
 extern "C" int qmi_cci_os_signal_wait(qmi_client_os_params* signal, unsigned int timeout_ms) {
@@ -156,13 +152,13 @@ extern "C" int qmi_cci_os_signal_wait(qmi_client_os_params* signal, unsigned int
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
     for (;;) {
         const auto now = Clock::now();
-        if (notifiers().have_changed(signal))
+        const auto limit = is_endless ? now + seam::kLookLimit : deadline;
+        if (notifiers().have_changed(signal, limit))
             return QMI_NO_ERR;
         if (is_endless)
             notifiers().explain_wait(signal);
         else if (now >= deadline)
             return QMI_TIMEOUT_ERR;
-        const auto next = now + seam::kLookAgain;
-        std::this_thread::sleep_until(is_endless ? next : std::min(next, deadline));
+        seam::modem()->road->wait_for_change(notifiers().services(signal), limit);
     }
 }

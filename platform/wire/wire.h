@@ -151,7 +151,8 @@ enum DiagOp : uint8_t {
     kDiagAnswer = 0x80
 };
 
-/// The most bytes of one diag packet that either side sends or takes.
-constexpr size_t kDiagPacketMax = 65536;
+/// The most bytes of one diag packet that either side sends or takes: what a socket with Linux's usual buffer
+/// takes.
+constexpr size_t kDiagPacketMax = 212'992 - 32;
 
 }  // namespace wire

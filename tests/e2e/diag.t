@@ -444,11 +444,13 @@ No diag service at all.
 
   $ halt
   $ steps 5 0 0 0 3000 0x7B
+  vxk: no diag interface: no handset runs in .* (re)
   RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = -1, will wait callback
   RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Fail to send diag cmd
   kelvra_diag_cmd_send fail
   note: Error happen! error_code(1)
   $ steps 5 0 1 0 3000 0x7B
+  vxk: no diag interface: no handset runs in .* (re)
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not register with DCI, err: 1003, errno: 0 ch:0
   kelvra_diag_cmd_send fail
   note: Error happen! error_code(1)
