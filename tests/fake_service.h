@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "unique_fd.h"
@@ -36,10 +37,11 @@ private:
     std::string path_;
 };
 
-/// One end of a connection. Every wait gives up after five seconds.
+/// The far end of a connection. Every wait gives up after five seconds.
 class Peer {
 public:
     explicit Peer(host::UniqueFd fd) : fd_(std::move(fd)) {}
+    virtual ~Peer() = default;
 
     /// The next packet; empty when the other side has gone.
     wire::Bytes receive() {
@@ -51,12 +53,12 @@ public:
         return packet;
     }
     /// The other side may have gone in the meantime.
-    void send(const wire::Bytes& packet) {
+    virtual void send(const wire::Bytes& packet) {
         if (::send(fd_.get(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0) {
             EXPECT_TRUE(errno == EPIPE || errno == ECONNRESET) << strerror(errno);
         }
     }
-    void close() { fd_ = host::UniqueFd(); }
+    virtual void close() { fd_ = host::UniqueFd(); }
 
 private:
     host::UniqueFd fd_;
@@ -64,21 +66,21 @@ private:
 
 class Listener {
 public:
-    explicit Listener(const std::string& path)
+    explicit Listener(const std::string& path, int backlog = 16)
         : path_(path), fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
         EXPECT_EQ(bind(fd_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(listen(fd_.get(), 16), 0);
+        EXPECT_EQ(listen(fd_.get(), backlog), 0);
     }
     ~Listener() { unlink(path_.c_str()); }
 
-    Peer accept() {
+    std::unique_ptr<Peer> accept() {
         pollfd watched{fd_.get(), POLLIN, 0};
         EXPECT_EQ(poll(&watched, 1, 5000), 1) << "nobody connected";
-        return Peer(host::UniqueFd(accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC)));
+        return std::make_unique<Peer>(host::UniqueFd(accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC)));
     }
 
 private:

@@ -1,7 +1,9 @@
-// What the Linux library keeps in the handset's folder by itself: properties and the system log.
+// What the Linux library keeps by itself: properties and the system log.
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
 #include <sys/syslog.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <fstream>
 #include <sstream>
@@ -15,6 +17,18 @@ namespace {
 
 using testing::ElementsAre;
 using testing::MatchesRegex;
+
+std::atomic<int> g_writes{0};
+
+}  // namespace
+
+/// Counts what the library writes; standard output and error are the test's own.
+extern "C" ssize_t write(int fd, const void* bytes, size_t size) {
+    g_writes += fd > STDERR_FILENO ? 1 : 0;
+    return syscall(SYS_write, fd, bytes, size);
+}
+
+namespace {
 
 std::string content(const std::string& path) {
     std::stringstream text;
@@ -41,8 +55,10 @@ TEST(Properties, AreFiles) {
     EXPECT_EQ(content(folder.path("properties/a.b")), longest);
     EXPECT_LT(property_set("a.b", (longest + 'v').c_str()), 0);
     EXPECT_EQ(property("a.b"), longest);
+    const std::ifstream before(folder.path("properties/a.b"));
     EXPECT_EQ(property_set("a.b", "2"), 0);
     EXPECT_EQ(property("a.b"), "2");
+    EXPECT_EQ((std::stringstream() << before.rdbuf()).str(), longest) << "a reader keeps what it has opened";
     EXPECT_EQ(property_set("a.b", ""), 0);
     EXPECT_EQ(property("a.b", "3"), "3");
     std::ofstream(folder.path("properties/by.hand")) << "on\n";
@@ -63,6 +79,25 @@ TEST(Properties, StayInTheirFolder) {
     EXPECT_EQ(content(folder.path("outside")), "secret");
     setenv("VXK_HANDSET_DIR", folder.path("missing").c_str(), 1);
     EXPECT_LT(property_set("a", "1"), 0);
+}
+
+TEST(Properties, LieInTheStateFolderOfAMachineOnTheBus) {
+    const TemporaryFolder folder;
+    setenv("VXK_MODEM", "qrtr", 1);
+    setenv("VXK_STATE_DIR", folder.path("new/state").c_str(), 1);
+    EXPECT_EQ(property("a.b", "1"), "1");
+    EXPECT_EQ(property_set("a.b", "2"), 0);
+    EXPECT_EQ(property("a.b"), "2");
+    EXPECT_EQ(content(folder.path("new/state/properties/a.b")), "2");
+    setenv("VXK_MODEM", ("folder:" + folder.path("handset")).c_str(), 1);
+    std::filesystem::create_directory(folder.path("handset"));
+    EXPECT_EQ(property_set("a.b", "3"), 0);
+    EXPECT_EQ(content(folder.path("handset/properties/a.b")), "3");
+    for (const char* wrong : {"qrt", "qrtr:", "qrtr:x", "qrtr:4294967296", "folder:", ":"}) {
+        setenv("VXK_MODEM", wrong, 1);
+        EXPECT_EXIT(property("a.b"), testing::ExitedWithCode(0), std::string("VXK_MODEM is .") + wrong);
+    }
+    unsetenv("VXK_MODEM");
 }
 
 void write_log(int priority, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
@@ -93,6 +128,7 @@ TEST(SystemLog, HasALineAMessage) {
     const std::string tag = program_invocation_short_name;
     const std::string longest(100000, 'm');
     const TemporaryFolder folder;
+    g_writes = 0;
     write_log(LOG_DEBUG, "rild print is started");
     write_log(LOG_USER | LOG_ERR, "two\nlines %d\n", 7);
     errno = ENOENT;
@@ -101,6 +137,7 @@ TEST(SystemLog, HasALineAMessage) {
     write_log(LOG_CRIT, "%s", longest.c_str());
     EXPECT_GT(__android_log_print(ANDROID_LOG_INFO, "KOLVO", "%s", "\n"), 0);
     EXPECT_EQ(__android_log_print(ANDROID_LOG_SILENT, "KOLVO", "unheard"), 0);
+    EXPECT_EQ(g_writes, 5) << "one a line, so that lines of two processes never mix";
     // The library looks once a millisecond whether its file is still the right one.
     const auto pass_a_look = [] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
     const TemporaryFolder other;

@@ -1,13 +1,17 @@
-// The QMI client library against a service that the test plays, packet by packet.
+// The QMI client library against a service that the test plays, packet by packet: in a handset's folder and
+// on the bus.
 #include "qmi_client.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <atomic>
+#include <functional>
 #include <future>
 #include <optional>
 #include <thread>
 
+#include "fake_bus.h"
 #include "fake_service.h"
 #include "modem_statistics_v01.h"
 #include "sar_v01.h"
@@ -74,14 +78,62 @@ void on_error(qmi_client_type, qmi_client_error_type error, void* data) {
     static_cast<Callbacks*>(data)->add("error " + std::to_string(error));
 }
 
-class QmiClient : public testing::Test {
+/// The SAR service on the bus. It cannot end a single client's connection: it goes and comes back.
+class BusService {
+public:
+    BusService() { publish(); }
+    ~BusService() { FakeBus::get().withdraw(address_); }
+
+    const host::QrtrAddress& address() const { return address_; }
+    void come_back() {
+        FakeBus::get().withdraw(address_);
+        ++address_.port;
+        publish();
+    }
+
+private:
+    void publish() { FakeBus::get().publish(kSar->service_id, 1, address_); }
+
+    host::QrtrAddress address_{0, 7};
+};
+
+class BusPeer : public Peer {
+public:
+    BusPeer(const FakeBus::Seat& seat, BusService& service)
+        : Peer(host::UniqueFd(dup(seat.end->get()))),
+          seat_(seat),
+          service_(service),
+          address_(service.address()) {}
+    void send(const Bytes& packet) override { seat_.send(address_, packet); }
+    void close() override { service_.come_back(); }
+
+private:
+    const FakeBus::Seat seat_;
+    BusService& service_;
+    const host::QrtrAddress address_;
+};
+
+enum Road { kFolder, kBus };
+
+class QmiClient : public testing::TestWithParam<Road> {
 protected:
+    void SetUp() override {
+        if (GetParam() == kBus) {
+            setenv("VXK_MODEM", "qrtr", 1);
+            service.emplace();
+        } else {
+            listener.emplace(folder.path("qmi/17"));
+        }
+    }
     /// The service is published, and `client` is connected to it.
     void connect() {
         ASSERT_EQ(qmi_client_init_instance(kSar, QMI_CLIENT_INSTANCE_ANY, on_indication, &callbacks, nullptr,
                                            4, &client),
                   QMI_NO_ERR);
-        peer.emplace(listener->accept());
+        if (service)
+            peer = std::make_unique<BusPeer>(FakeBus::get().newest(), *service);
+        else
+            peer = listener->accept();
     }
     void connect_with_error_cb() {
         connect();
@@ -93,33 +145,31 @@ protected:
     std::future<int> ask_in_thread(sar_get_dsi_resp_msg_v01* into, unsigned timeout_ms = kForEver) {
         return std::async(std::launch::async, [=] { return ask(into, timeout_ms); });
     }
-    void TearDown() override { EXPECT_EQ(client ? qmi_client_release(client) : QMI_NO_ERR, QMI_NO_ERR); }
+    void TearDown() override {
+        EXPECT_EQ(client ? qmi_client_release(client) : QMI_NO_ERR, QMI_NO_ERR);
+        unsetenv("VXK_MODEM");
+    }
 
     TemporaryFolder folder;
-    std::optional<Listener> listener{folder.path("qmi/17")};
-    std::optional<Peer> peer;
+    std::optional<Listener> listener;
+    std::optional<BusService> service;
+    std::unique_ptr<Peer> peer;
     Callbacks callbacks;
     qmi_client_type client = nullptr;
     sar_get_dsi_resp_msg_v01 response{};
 };
 
-TEST_F(QmiClient, ExchangesAndDecodes) {
-    connect();
-    for (uint32_t dsi = 1; dsi < 4; ++dsi) {
-        auto result = ask_in_thread(&response);
-        const Bytes request = peer->receive();
-        EXPECT_THAT(request, ElementsAre(0, dsi, 0, 2, 0, 0, 0));
-        peer->send(answer_to(request, sar_body(dsi)));
-        EXPECT_EQ(result.get(), 0);
-        EXPECT_EQ(response.dsi_valid, 1);
-        EXPECT_EQ(response.dsi, dsi);
-    }
-}
+INSTANTIATE_TEST_SUITE_P(Roads, QmiClient, testing::Values(kFolder, kBus));
 
-TEST_F(QmiClient, DropsWhatAnswersNoOpenRequest) {
+TEST_P(QmiClient, DropsWhatAnswersNoOpenRequest) {
     connect();
     response.dsi = 7;
-    EXPECT_EQ(ask(&response, 10), QMI_TIMEOUT_ERR);
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_THREAD, &before);
+    EXPECT_EQ(ask(&response, 300), QMI_TIMEOUT_ERR);
+    getrusage(RUSAGE_THREAD, &after);
+    EXPECT_LT(after.ru_nvcsw - before.ru_nvcsw, 20) << "it waits, and does not look again and again";
     EXPECT_EQ(response.dsi, 0U);
     const Bytes late = peer->receive();
     auto result = ask_in_thread(&response);
@@ -134,7 +184,7 @@ TEST_F(QmiClient, DropsWhatAnswersNoOpenRequest) {
     EXPECT_EQ(response.dsi, 4U);
 }
 
-TEST_F(QmiClient, FailsOnResponsesThatDoNotDecode) {
+TEST_P(QmiClient, FailsOnResponsesThatDoNotDecode) {
     connect();
     const std::vector<std::pair<const char*, Bytes>> tails = {
         {"header cut short", {}},
@@ -155,7 +205,7 @@ TEST_F(QmiClient, FailsOnResponsesThatDoNotDecode) {
     }
 }
 
-TEST_F(QmiClient, RefusesWhatItCannotSend) {
+TEST_P(QmiClient, RefusesWhatItCannotSend) {
     connect();
     uint8_t room[sizeof response + 1] = {};
     auto send = [&](qmi_client_type to, unsigned message, unsigned req_len, unsigned resp_len) {
@@ -170,7 +220,7 @@ TEST_F(QmiClient, RefusesWhatItCannotSend) {
     EXPECT_EQ(qmi_client_release(nullptr), QMI_INTERNAL_ERR);
 }
 
-TEST_F(QmiClient, DeliversIndicationsOnOneThreadInOrder) {
+TEST_P(QmiClient, DeliversIndicationsOnOneThreadInOrder) {
     connect();
     peer->send(indication(1, {9, 9}));
     ASSERT_TRUE(callbacks.wait_for(1));
@@ -189,7 +239,7 @@ TEST_F(QmiClient, DeliversIndicationsOnOneThreadInOrder) {
     EXPECT_EQ(callbacks.thread.load(), thread);
 }
 
-TEST_F(QmiClient, SurvivesMoreIndicationsThanItDelivers) {
+TEST_P(QmiClient, SurvivesMoreIndicationsThanItDelivers) {
     connect();
     peer->send(indication(6, {}));
     auto result = ask_in_thread(&response);
@@ -207,7 +257,7 @@ TEST_F(QmiClient, SurvivesMoreIndicationsThanItDelivers) {
     EXPECT_TRUE(callbacks.wait_for(1 + kFlood));
 }
 
-TEST_F(QmiClient, OverlappingRequestsGetTheirOwnAnswers) {
+TEST_P(QmiClient, OverlappingRequestsGetTheirOwnAnswers) {
     connect();
     constexpr size_t kCount = 4;
     sar_get_dsi_resp_msg_v01 responses[kCount];
@@ -227,7 +277,7 @@ TEST_F(QmiClient, OverlappingRequestsGetTheirOwnAnswers) {
     EXPECT_EQ(sum, 1U + 2 + 3 + 4);
 }
 
-TEST_F(QmiClient, TellsTheLossOnceBeforeTheOpenRequestReturns) {
+TEST_P(QmiClient, TellsTheLossOnceBeforeTheOpenRequestReturns) {
     connect_with_error_cb();
     auto result = std::async(std::launch::async, [&] {
         const int error = ask(&response, kForEver);
@@ -244,15 +294,16 @@ TEST_F(QmiClient, TellsTheLossOnceBeforeTheOpenRequestReturns) {
     EXPECT_EQ(callbacks.all().size(), 3U);
 }
 
-TEST_F(QmiClient, TellsTheLossWithoutARequest) {
+TEST_P(QmiClient, TellsTheLossWithoutARequest) {
     connect();
-    listener.reset();
-    // Unread bytes at the peer turn its end into a reset, which must not hide what it sent before.
+    // Unread bytes at the peer turn its end into a reset, which must not hide what it sent before; nor must
+    // an empty packet.
     EXPECT_EQ(ask(&response, 1), QMI_TIMEOUT_ERR);
     peer->send(indication(6, {}));
-    peer->send(indication(1, {}));
     while (!callbacks.is_held)
         std::this_thread::yield();
+    peer->send({});
+    peer->send(indication(1, {}));
     peer->close();
     callbacks.hold.set_value();
     ASSERT_TRUE(callbacks.wait_for(2));
@@ -264,7 +315,7 @@ TEST_F(QmiClient, TellsTheLossWithoutARequest) {
     EXPECT_THAT(callbacks.all(), ElementsAre("ind 6 0", "ind 1 0", "error -2"));
 }
 
-TEST_F(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
+TEST_P(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
     connect_with_error_cb();
     peer->send(indication(6, {}));
     peer->send(indication(7, {}));
@@ -274,7 +325,9 @@ TEST_F(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
         EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
         callbacks.add("released");
     });
-    EXPECT_TRUE(peer->receive().empty()) << "the connection ends while the callback runs";
+    if (!service) {
+        EXPECT_TRUE(peer->receive().empty()) << "the connection ends while the callback runs";
+    }
     EXPECT_THAT(callbacks.all(), ElementsAre());
     callbacks.hold.set_value();
     released.get();
@@ -283,7 +336,7 @@ TEST_F(QmiClient, ReleaseWaitsForTheCallbackThatRuns) {
     client = nullptr;
 }
 
-TEST_F(QmiClient, ReleaseEndsAnOpenRequest) {
+TEST_P(QmiClient, ReleaseEndsAnOpenRequest) {
     connect_with_error_cb();
     auto result = ask_in_thread(&response);
     peer->receive();
@@ -294,10 +347,10 @@ TEST_F(QmiClient, ReleaseEndsAnOpenRequest) {
 }
 
 // Requests, indications and the end of the service from all sides at once, for the thread sanitizer.
-TEST_F(QmiClient, LivesThroughManyLives) {
+TEST_P(QmiClient, LivesThroughManyLives) {
     for (int life = 0; life < 30; ++life) {
         connect_with_error_cb();
-        std::thread service([&] {
+        std::thread far_end([&] {
             for (int i = 0; i < 20; ++i) {
                 const Bytes request = peer->receive();
                 peer->send(indication(1, {}));
@@ -316,12 +369,12 @@ TEST_F(QmiClient, LivesThroughManyLives) {
                 return result;
             }));
         if (life % 2 == 0)
-            service.join();
+            far_end.join();
         for (auto& result : results)
             result.wait();
         EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
-        if (service.joinable())
-            service.join();
+        if (far_end.joinable())
+            far_end.join();
         client = nullptr;
     }
 }
@@ -374,15 +427,127 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
     EXPECT_EQ(qmi_client_init(&info, kVs, nullptr, nullptr, nullptr, &client), QMI_SERVICE_ERR);
 }
 
-TEST(ServiceObjects, AreGivenForTheirOwnVersionsAlone) {
-    EXPECT_NE(uim_get_service_object_internal_v01(1, 100, 6), nullptr);
-    EXPECT_EQ(uim_get_service_object_internal_v01(1, 99, 6), nullptr);
-    EXPECT_EQ(uim_get_service_object_internal_v01(1, 100, 5), nullptr);
-    uint32_t length = 1;
-    EXPECT_EQ(qmi_idl_get_message_c_struct_len(kVs, QMI_IDL_INDICATION, VS_STATE_IND_V01, &length), 0);
-    EXPECT_EQ(length, 1U);
-    EXPECT_NE(qmi_idl_get_message_c_struct_len(kVs, QMI_IDL_REQUEST, VS_STATE_IND_V01, &length), 0);
-    EXPECT_EQ(length, 0U);
+// A queue of one, which the look that found the service fills.
+TEST(QmiService, IsFoundHoweverLateItAccepts) {
+    const TemporaryFolder folder;
+    Listener listener(folder.path("qmi/65509"), 0);
+    qmi_client_type client = nullptr;
+    qmi_client_type notifier = nullptr;
+    qmi_client_os_params signal;
+    unsigned services = 9;
+    ASSERT_EQ(qmi_client_notifier_init(kVs, &signal, &notifier), QMI_NO_ERR);
+    EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 100), QMI_NO_ERR);
+    EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_SERVICE_ERR);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(qmi_client_init_instance(kVs, 0, nullptr, nullptr, nullptr, 50, &client), QMI_TIMEOUT_ERR);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+    std::thread handset([&] { listener.accept(); });
+    EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 5000), QMI_NO_ERR);
+    handset.join();
+    EXPECT_EQ(qmi_client_release(notifier), QMI_NO_ERR);
+}
+
+class QmiBus : public QmiClient {};
+
+INSTANTIATE_TEST_SUITE_P(Roads, QmiBus, testing::Values(kBus));
+
+TEST_P(QmiBus, ListsEveryInstanceLowestFirst) {
+    auto& bus = FakeBus::get();
+    const std::vector<std::pair<uint32_t, host::QrtrAddress>> others = {
+        {0x0201, {3, 21}}, {0x0101, {3, 22}}, {0x0301, {0, 23}}};
+    for (const auto& [instance, address] : others)
+        bus.publish(kSar->service_id, instance, address);
+    const auto ports = [](const char* modem) {
+        setenv("VXK_MODEM", modem, 1);
+        qmi_service_info infos[8];
+        unsigned entries = 8;
+        unsigned services = 0;
+        EXPECT_EQ(qmi_client_get_service_list(kSar, infos, &entries, &services), QMI_NO_ERR);
+        EXPECT_EQ(entries, services);
+        std::vector<uint32_t> listed;
+        for (unsigned i = 0; i < entries; ++i)
+            listed.push_back(infos[i].info[3]);
+        return listed;
+    };
+    EXPECT_THAT(ports("qrtr"), ElementsAre(7, 23, 22, 21));
+    EXPECT_THAT(ports("qrtr:3"), ElementsAre(22, 21));
+    for (const auto& [instance, address] : others)
+        bus.withdraw(address);
+}
+
+TEST_P(QmiBus, KnowsWhoSpeaksAndWhoEnds) {
+    using Seat = FakeBus::Seat;
+    const Bytes end = wire::Writer().u32(QRTR_TYPE_DEL_SERVER).u32(17).u32(1).u32(0).u32(7).take();
+    const struct {
+        const char* name;
+        std::function<void(const Seat&)> act;
+        bool ends;
+    } rows[] = {
+        {"a stranger's answer",
+         [&](const Seat& seat) {
+             seat.send({0, 8}, Bytes{2, 1, 0, 2, 0, 0, 0});
+         },
+         false},
+        {"another server's end",
+         [](const Seat& seat) {
+             seat.tell(QRTR_TYPE_DEL_SERVER, 17, 1, {0, 8});
+         },
+         false},
+        {"another node's end", [](const Seat& seat) { seat.tell(QRTR_TYPE_BYE, 2, 0, {}); }, false},
+        {"a stranger's word",
+         [&](const Seat& seat) {
+             seat.send({2, QRTR_PORT_CTRL}, end);
+         },
+         false},
+        {"half a word",
+         [&](const Seat& seat) {
+             seat.send(FakeBus::kNames, {end.data(), 19});
+         },
+         false},
+        {"its end", [&](const Seat& seat) { seat.send(FakeBus::kNames, end); }, true},
+        {"its node's end", [](const Seat& seat) { seat.tell(QRTR_TYPE_BYE, 0, 0, {}); }, true},
+        {"a reset of the bus", [](const Seat& seat) { seat.send(FakeBus::kReset, {}); }, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        callbacks.calls.clear();
+        connect_with_error_cb();
+        row.act(FakeBus::get().newest());
+        if (row.ends) {
+            EXPECT_TRUE(callbacks.wait_for(1));
+            EXPECT_EQ(ask(&response, kForEver), QMI_SERVICE_ERR);
+        } else {
+            auto result = ask_in_thread(&response);
+            peer->send(answer_to(peer->receive(), sar_body(1)));
+            EXPECT_EQ(result.get(), QMI_NO_ERR);
+        }
+        EXPECT_EQ(callbacks.all().size(), row.ends ? 1U : 0U);
+        EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
+        client = nullptr;
+    }
+}
+
+TEST_P(QmiBus, MissesNothingBetweenTheLookAndTheClient) {
+    qmi_service_info info{};
+    unsigned entries = 1;
+    unsigned services = 0;
+    EXPECT_EQ(qmi_client_get_service_list(kSar, &info, &entries, &services), QMI_NO_ERR);
+    service.reset();
+    EXPECT_EQ(qmi_client_init(&info, kSar, nullptr, nullptr, nullptr, &client), QMI_NO_ERR);
+    EXPECT_EQ(qmi_client_register_error_cb(client, on_error, &callbacks), QMI_NO_ERR);
+    EXPECT_TRUE(callbacks.wait_for(1));
+
+    qmi_client_type notifier = nullptr;
+    qmi_client_os_params signal;
+    EXPECT_EQ(qmi_client_notifier_init(kSar, &signal, &notifier), QMI_NO_ERR);
+    testing::internal::CaptureStderr();
+    auto waited = std::async(std::launch::async, [&] { return qmi_cci_os_signal_wait(&signal, 0); });
+    EXPECT_EQ(waited.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    service.emplace();
+    EXPECT_EQ(waited.get(), QMI_NO_ERR);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::EndsWith("waiting for QMI service 17: nothing publishes it on the QRTR bus\n"));
+    EXPECT_EQ(qmi_client_release(notifier), QMI_NO_ERR);
 }
 
 }  // namespace
