@@ -6,8 +6,6 @@
 #include <array>
 #include <cerrno>
 
-#include "diag_packet.h"
-
 namespace handset {
 namespace {
 
@@ -29,9 +27,8 @@ Profile parse_profile(const std::string& text, const std::string& name) {
         root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
         root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });
         root.object("diag", [&](Section& section) { read_profile(section, profile.diag); });
-        root.list("faults", kMostFaults, [&](Section& section) {
-            read_profile(section, profile.faults.emplace_back(), read_diag_op);
-        });
+        root.list("faults", kMostFaults,
+                  [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
     });
     return profile;
 }

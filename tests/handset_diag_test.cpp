@@ -251,11 +251,11 @@ TEST(HandsetDiag, TheWireLogShowsWhatPassed) {
     std::istringstream file(place.read("h/log/wire.log").value_or(""));
     for (std::string line; std::getline(file, line);) {
         // The end of the connection may be logged by now.
-        if (line.find(" diag 1 ") != std::string::npos && line.find("closed") == std::string::npos)
+        if (line.find(" diag 1 ") != std::string::npos && line.find("closed") == std::string::npos &&
+            line.find("connected pid=") == std::string::npos)
             log += line.substr(line.find(" diag 1 ") + 8) + "\n";
     }
     EXPECT_EQ(log,
-              "-- connected\n"
               "-> open(1)\n"
               "<- open(1) result=1\n"
               "<- unknown(99) data=[01]\n"
@@ -277,7 +277,10 @@ TEST(HandsetDiag, RefusesAProfileWithItsPlace) {
         const char* diag;
         const char* line;
     } rows[] = {
-        {R"({"results": {"dci": 1}})", "p: /diag/results/dci: unknown key"},
+        {R"({"results": {"dci": 1}})",
+         "p: /diag/results/dci: unknown key; known here: \"dci_register\", \"dci_release\", \"dci_send\", "
+         "\"dci_signal\", \"dci_streams\", \"dci_support\", \"open\", \"remote_mask\", \"send\", "
+         "\"switch_logging\""},
         {R"({"remote_mask": 65536})",
          "p: /diag/remote_mask: expected a whole number from 0 to 65535, found 65536"},
         {R"({"responses": [{"bytes": "00", "size": 1}]})",
@@ -289,11 +292,15 @@ TEST(HandsetDiag, RefusesAProfileWithItsPlace) {
         {R"({"responses": [{"pieces": [212958, 1]}]})",
          "p: /diag/responses/0/pieces: more than 212958 bytes together"},
         {R"({"streams": [{"bytes": "00"}]})", "p: /diag/streams/0: the key \"event\" is missing"},
-        {R"({"streams": [{"event": "logs"}]})", "p: /diag/streams/0/event: no event has this name"},
+        {R"({"streams": [{"event": "logs"}]})",
+         "p: /diag/streams/0/event: expected a whole number from 0 to 127 or one of \"response\", "
+         "\"dci_response\", \"log\", \"event\", found \"logs\""},
         {R"({"streams": [{"event": 128}]})",
          "p: /diag/streams/0/event: expected a whole number from 0 to 127, found 128"},
         {R"({"streams": [{"event": "log", "after": "dci"}]})",
-         "p: /diag/streams/0/after: no op has this name"},
+         "p: /diag/streams/0/after: expected a whole number from 1 to 10 or one of \"open\", "
+         "\"remote_mask\", \"switch_logging\", \"send\", \"dci_register\", \"dci_signal\", \"dci_support\", "
+         "\"dci_streams\", \"dci_send\", \"dci_release\", found \"dci\""},
         {R"({"streams": [{"event": "log", "after": 11}]})",
          "p: /diag/streams/0/after: expected a whole number from 1 to 10, found 11"},
     };

@@ -155,7 +155,8 @@ void AtChannel::receive() {
 }
 
 void AtChannel::log_line() {
-    core_.wire_log().add(WireLine("at", 0, Direction::kToModem).text("line", line_));
+    core_.wire_log().add(WireLine("at", 0, Direction::kToModem).text("line", line_),
+                         {line_.data(), line_.size()});
     core_.state().set("at", "lines", ++lines_);
     line_.clear();
 }

@@ -16,7 +16,7 @@ Core::Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem
     : loop_(loop),
       modem_(modem),
       folder_(folder),
-      wire_log_(folder_.at("log/wire.log")),
+      wire_log_(folder_.at("log")),
       faults_(faults),
       state_(folder_),
       transports_(std::move(transports)) {

@@ -1,6 +1,6 @@
 #include "fault.h"
 
-#include "qmi_names.h"
+#include "messages.h"
 
 namespace handset {
 namespace {
@@ -31,25 +31,47 @@ bool matches(const Fault& fault, const ExchangeKey& key) {
            matches(fault.code, key.code);
 }
 
-void read_match(Section& section, Fault& fault, ReadDiagOp read_diag_op) {
-    section.choice("road", fault.road, {{"qmi", Road::kQmi}, {"diag", Road::kDiag}});
-    if (fault.road == Road::kDiag)
-        return read_diag_op(section, "message", fault.message);
-    section.integer<uint32_t>("message", fault.message, 0, UINT16_MAX);
-    // A service is named, or given by its number.
-    std::string name;
-    if (section.is_name("service")) {
-        section.text("service", name, 20);
-        const auto id = service_id(name);
-        if (!id)
-            section.fail("service", "no service has this name");
-        fault.service = *id;
-    } else {
-        section.integer<uint32_t>("service", fault.service, 1, UINT16_MAX);
+// A message's name alone may mean several services: it is looked for in the one that is named.
+void read_message(Section& section, Fault& fault) {
+    Section::Named names;
+    for (const messages::Message& row : messages::all_messages()) {
+        if (fault.service.value_or(row.service) == row.service)
+            names.emplace_back(row.name, row.id);
     }
-    if (fault.service == kExtensionServiceId) {
-        section.integer("request", fault.request);
-        section.integer("code", fault.code);
+    section.named_integer("message", fault.message, 0, UINT16_MAX, names);
+}
+
+// The command inside a request of the extension service. A name tells which request it is inside of.
+void read_code(Section& section, Fault& fault) {
+    Section::Named names;
+    for (const messages::Command& row : messages::commands()) {
+        if (fault.request.value_or(row.request) == row.request)
+            names.emplace_back(row.name, row.code);
+    }
+    std::string name;
+    section.named_integer("code", fault.code, 0, UINT32_MAX, names);
+    if (section.is_text("code"))
+        section.text("code", name, 100);
+    if (const messages::Command* command = messages::command(name))
+        fault.request = command->request;
+}
+
+void read_match(Section& section, Fault& fault) {
+    section.choice("road", fault.road, {{"qmi", Road::kQmi}, {"diag", Road::kDiag}});
+    Section::Named names;
+    if (fault.road == Road::kDiag) {
+        for (const messages::DiagOp& op : messages::diag_ops())
+            names.emplace_back(op.name, op.number);
+        return section.named_integer("message", fault.message, 1, static_cast<uint32_t>(names.size()), names);
+    }
+    for (const messages::Service& service : messages::services())
+        names.emplace_back(service.name, service.id);
+    section.named_integer("service", fault.service, 1, UINT16_MAX, names);
+    read_message(section, fault);
+    if (fault.service == messages::kExtension) {
+        section.named_integer("request", fault.request, 0, UINT32_MAX,
+                              {{"file_access", messages::kFileAccess}, {"common", messages::kCommon}});
+        read_code(section, fault);
     }
 }
 
@@ -89,7 +111,7 @@ void read_action(Section& section, Fault& fault) {
 }
 
 void check_action_fits_road(Section& section, const Fault& fault) {
-    const bool extension = fault.road == Road::kQmi && fault.service == kExtensionServiceId;
+    const bool extension = fault.road == Road::kQmi && fault.service == messages::kExtension;
     const bool diag = fault.road == Road::kDiag;
     if (fault.action == FaultAction::kPayload && !extension && !diag)
         section.fail("action", "\"payload\" needs \"service\": \"extension\" or \"road\": \"diag\"");
@@ -109,8 +131,8 @@ const char* Fault::name() const {
     return "";
 }
 
-void read_profile(Section& section, Fault& fault, ReadDiagOp read_diag_op) {
-    read_match(section, fault, read_diag_op);
+void read_profile(Section& section, Fault& fault) {
+    read_match(section, fault);
     section.integer("skip", fault.skip);
     section.integer("hits", fault.hits);
     section.require("action");

@@ -60,10 +60,7 @@ struct Fault {
     const char* name() const;
 };
 
-/// Reads a diag op that the profile names or gives by its number; the diag road knows how.
-using ReadDiagOp = void (*)(Section& section, const char* key, std::optional<uint32_t>& number);
-
-void read_profile(Section& section, Fault& fault, ReadDiagOp read_diag_op);
+void read_profile(Section& section, Fault& fault);
 
 class FaultBook {
 public:

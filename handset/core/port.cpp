@@ -1,10 +1,37 @@
 #include "port.h"
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <utility>
 
 #include "core.h"
 
 namespace handset {
+namespace {
+
+// The words of a process's command, while it lives.
+std::string command_of(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/cmdline", std::ios::binary);
+    std::string words(std::istreambuf_iterator<char>(file), {});
+    if (!words.empty() && words.back() == '\0')
+        words.pop_back();
+    std::replace(words.begin(), words.end(), '\0', ' ');
+    return words;
+}
+
+void describe_peer(const Peer& peer, WireLine& line) {
+    if (!peer.address.empty())
+        line.text("address", peer.address);
+    if (peer.pid == 0)
+        return;
+    line.number("pid", peer.pid);
+    const std::string command = command_of(peer.pid);
+    if (!command.empty())
+        line.text("command", command);
+}
+
+}  // namespace
 
 Port::Port(Core& core, std::string where, const PortName& name) : core_(core), where_(std::move(where)) {
     for (const auto& transport : core_.transports()) {
@@ -88,7 +115,7 @@ void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& entr
     const auto found = connections_.find(id);
     if (found == connections_.end())
         return;
-    log(entry);
+    log(entry, packet);
     core_.wire_log().flush();
     found->second.endpoint->send(id, packet);
 }
@@ -125,7 +152,7 @@ void Port::answer(ConnectionId connection, Exchange& exchange) {
         case FaultAction::kClose:
         case FaultAction::kWithdraw:
         case FaultAction::kRestart:
-            log(exchange.no_answer_line().text("fault", fault->name()));
+            log(exchange.no_answer_line().fault(fault->name()));
             if (fault->action == FaultAction::kClose)
                 close_connection(connection);
             if (fault->action == FaultAction::kWithdraw)
@@ -141,7 +168,7 @@ void Port::send_answer(ConnectionId connection, const Exchange& exchange, const 
                        std::chrono::milliseconds delay, const Fault* fault) {
     WireLine entry = exchange.answer_line(packet);
     if (fault != nullptr)
-        entry.text("fault", fault->name());
+        entry.fault(fault->name());
     if (delay.count() == 0)
         return send(connection, packet, entry);
     core_.loop().after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
@@ -159,15 +186,19 @@ WireLine Port::line(ConnectionId id, Direction direction) {
     if (found == connections_.end())
         return WireLine(where_, 0, direction);
     unsigned& number = found->second.number;
+    const Peer& peer = found->second.peer;
     if (number == 0) {
         number = ++last_number_;
-        log(WireLine(where_, number, Direction::kEvent).word("connected"));
+        WireLine entry(where_, number, Direction::kEvent, peer.pid);
+        entry.word("connected");
+        describe_peer(peer, entry);
+        log(entry);
     }
-    return WireLine(where_, number, direction);
+    return WireLine(where_, number, direction, peer.pid);
 }
 
-void Port::log(const WireLine& line) {
-    core_.wire_log().add(line);
+void Port::log(const WireLine& line, wire::View packet) {
+    core_.wire_log().add(line, packet);
 }
 
 }  // namespace handset

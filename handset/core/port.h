@@ -50,7 +50,8 @@ protected:
     void answer(ConnectionId connection, Exchange& exchange);
 
     std::vector<ConnectionId> connections() const;
-    void log(const WireLine& entry);
+    /// With the packet that it tells of; without one it tells of an event.
+    void log(const WireLine& entry, wire::View packet = {});
 
     /// A line of the wire log about a connection. Connections are numbered in the order in which something is
     /// first said of them: one that is only opened to see whether the service is there leaves no trace.

@@ -45,6 +45,13 @@ struct Section::Node {
         refuse(where, std::string("expected ") + wanted + ", found " + text);
     }
 
+    std::string known_keys() const {
+        std::string keys;
+        for (const std::string& key : known)
+            keys += (keys.empty() ? "\"" : ", \"") + key + "\"";
+        return keys;
+    }
+
     const Json* find(const char* key) {
         known.insert(key);
         const auto found = json.find(key);
@@ -97,7 +104,7 @@ struct Section::Node {
         read(section);
         for (const auto& entry : value.items()) {
             if (node.known.count(entry.key()) == 0)
-                node.refuse(node.place_of(entry.key()), "unknown key");
+                node.refuse(node.place_of(entry.key()), "unknown key; known here: " + node.known_keys());
         }
     }
 };
@@ -163,10 +170,6 @@ bool Section::has(const char* key) const {
 
 bool Section::is_text(const char* key) const {
     return has(key) && node_.json.at(key).is_string();
-}
-
-bool Section::is_name(const char* key) const {
-    return is_text(key) && !Node::hexadecimal(node_.json.at(key));
 }
 
 void Section::require(const char* key) const {
@@ -251,6 +254,29 @@ std::optional<size_t> Section::choice_index(const char* key, const std::vector<c
         if (found->is_string() && found->get_ref<const std::string&>() == names[i])
             return i;
         wanted += (i > 0 ? ", \"" : "\"") + std::string(names[i]) + "\"";
+    }
+    node_.refuse_type(node_.place_of(key), wanted.c_str(), *found);
+}
+
+void Section::named_integer(const char* key, std::optional<uint32_t>& value, uint32_t lowest,
+                            uint32_t highest, const Named& names) {
+    const Json* found = node_.find(key);
+    if (found == nullptr)
+        return;
+    if (const auto number = Node::as_unsigned(*found, lowest, highest)) {
+        value = static_cast<uint32_t>(*number);
+        return;
+    }
+    std::string wanted = whole_number_between(std::to_string(lowest), std::to_string(highest));
+    if (!found->is_string())
+        node_.refuse_type(node_.place_of(key), wanted.c_str(), *found);
+    wanted += " or one of ";
+    for (const auto& entry : names) {
+        if (found->is_string() && found->get_ref<const std::string&>() == entry.first) {
+            value = entry.second;
+            return;
+        }
+        wanted += (&entry == &names.front() ? "\"" : ", \"") + entry.first + "\"";
     }
     node_.refuse_type(node_.place_of(key), wanted.c_str(), *found);
 }

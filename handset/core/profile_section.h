@@ -34,9 +34,6 @@ public:
     bool has(const char* key) const;
     bool is_text(const char* key) const;
 
-    /// A text that is not a number: what may be given by name or by number has its name.
-    bool is_name(const char* key) const;
-
     /// Refuses the section when the key is absent.
     void require(const char* key) const;
 
@@ -76,6 +73,11 @@ public:
         if (const auto index = choice_index(key, names))
             value = (choices.begin() + *index)->second;
     }
+
+    /// A whole number, or the name of one; an unknown name is refused with those that there are.
+    using Named = std::vector<std::pair<std::string, uint32_t>>;
+    void named_integer(const char* key, std::optional<uint32_t>& value, uint32_t lowest, uint32_t highest,
+                       const Named& names);
 
     /// An object that is a part of its own.
     void object(const char* key, const Read& read);

@@ -1,21 +1,16 @@
-// The QMI services that the handset knows, by number and by the name that the profile and the wire log use.
+// The QMI services that the handset has, and the error words of their answers.
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
+
+#include "messages.h"
 
 namespace handset {
 
-constexpr uint16_t kUimServiceId = 11;
-constexpr uint16_t kSarServiceId = 17;
-constexpr uint16_t kExtensionServiceId = 65508;
-constexpr uint16_t kStatisticsServiceId = 65509;
-
-/// The number itself when the service has no name.
-std::string service_name(uint16_t id);
-std::optional<uint16_t> service_id(std::string_view name);
+constexpr uint16_t kUimServiceId = messages::kUim;
+constexpr uint16_t kSarServiceId = messages::kSar;
+constexpr uint16_t kExtensionServiceId = messages::kExtension;
+constexpr uint16_t kStatisticsServiceId = messages::kStatistics;
 
 /// Error words of a QMI answer.
 enum QmiError : uint16_t {

@@ -13,22 +13,29 @@ constexpr uint8_t kTlvResult = 0x02;
 
 class QmiExchange : public Exchange {
 public:
-    QmiExchange(QmiPort& port, QmiService& service, ConnectionId connection, const wire::QmiPacket& packet)
+    QmiExchange(QmiPort& port, QmiService& service, ConnectionId connection,
+                const messages::QmiMessage& message)
         : port_(port),
           service_(service),
-          packet_(packet),
-          request_{connection, packet.message, packet.body} {}
+          message_(message),
+          request_{connection, message.packet.message, message.packet.body, message} {
+        if (message.extension)
+            asked_ = messages::asked(*message.extension);
+    }
 
     ExchangeKey key() const override {
         ExchangeKey key;
         key.service = service_.id();
-        key.message = packet_.message;
-        service_.complete(key, request_);
+        key.message = request_.message;
+        if (asked_)
+            key.request = asked_->request;
+        if (asked_ && (message_.extension->file || message_.extension->common))
+            key.code = asked_->code;
         return key;
     }
 
     Answer act() override {
-        if (!wire::tlvs_are_whole(packet_.body))
+        if (!message_.whole)
             return {packed(service_.refusal(kQmiErrorMalformed)), {}};
         QmiAnswer answer = service_.handle(request_);
         return {packed(answer.body), answer.delay};
@@ -52,28 +59,29 @@ public:
     }
 
     WireLine answer_line(wire::View packet) const override {
-        return port_.packet_line(request_.connection, Direction::kFromModem, packet);
+        return port_.packet_line(request_.connection, packet, asked_ ? &*asked_ : nullptr);
     }
     WireLine no_answer_line() const override {
-        return port_.no_answer_line(request_.connection, packet_.transaction);
+        return port_.no_answer_line(request_.connection, message_.packet.transaction);
     }
 
 private:
     wire::Bytes packed(wire::View body) const {
-        return wire::encode({wire::kQmiResponse, packet_.transaction, packet_.message, body});
+        return wire::encode({wire::kQmiResponse, message_.packet.transaction, request_.message, body});
     }
 
     QmiPort& port_;
     QmiService& service_;
-    const wire::QmiPacket& packet_;
+    const messages::QmiMessage& message_;
     QmiRequest request_;
+    std::optional<messages::Asked> asked_;
 };
 
-const char* kind_name(uint8_t flags) {
-    return flags == wire::kQmiRequest      ? "request"
-           : flags == wire::kQmiResponse   ? "response"
-           : flags == wire::kQmiIndication ? "indication"
-                                           : "unknown";
+void describe_packet(const messages::QmiMessage& message, const messages::Asked* asked, WireLine& line) {
+    line.word(message.kind())
+        .word(messages::label(message.name(), message.packet.message))
+        .word("#" + std::to_string(message.packet.transaction));
+    messages::describe(message, asked, line);
 }
 
 }  // namespace
@@ -86,36 +94,12 @@ wire::Writer qmi_result(uint32_t error) {
     return body;
 }
 
-bool describe_result(wire::View body, WireLine& line) {
-    const auto value = wire::find_tlv(body, kTlvResult);
-    if (!value || value->size != 4)
-        return false;
-    wire::Reader reader(*value);
-    line.number("result", reader.u16()).number("error", reader.u16());
-    return true;
-}
-
 QmiService::QmiService(Core& core, uint16_t id) : id_(id), port_(std::make_unique<QmiPort>(core, *this)) {}
 
 QmiService::~QmiService() = default;
 
 wire::Bytes QmiService::refusal(uint32_t error) const {
     return qmi_result(error).take();
-}
-
-std::string QmiService::message_name(uint16_t) const {
-    return "message";
-}
-
-void QmiService::describe(wire::QmiFlags, uint16_t, wire::View body, WireLine& line) const {
-    wire::TlvReader reader(body);
-    while (const auto tlv = reader.next()) {
-        char name[8];
-        snprintf(name, sizeof name, "0x%02X", tlv->type);
-        line.bytes(name, tlv->value);
-    }
-    if (!reader.ok())
-        line.word("malformed").bytes("body", body);
 }
 
 void QmiService::indicate(uint16_t message, const wire::Bytes& body) {
@@ -127,7 +111,7 @@ void QmiService::indicate(uint16_t message, const wire::Bytes& body, ConnectionI
 }
 
 QmiPort::QmiPort(Core& core, QmiService& service)
-    : Port(core, "qmi/" + service_name(service.id()),
+    : Port(core, "qmi/" + messages::service_name(service.id()),
            {host::qmi_place(service.id()), service.id(), wire::kQmiPacketMax}),
       service_(service) {}
 
@@ -138,34 +122,29 @@ void QmiPort::indicate(uint16_t message, const wire::Bytes& body) {
 
 void QmiPort::indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection) {
     const wire::Bytes packet = wire::encode({wire::kQmiIndication, 0, message, body});
-    send(connection, packet, packet_line(connection, Direction::kFromModem, packet));
+    send(connection, packet, packet_line(connection, packet, nullptr));
 }
 
 void QmiPort::handle(ConnectionId connection, wire::View bytes) {
-    log(packet_line(connection, Direction::kToModem, bytes));
+    WireLine entry = line(connection, Direction::kToModem);
     const auto packet = wire::decode_qmi(bytes);
-    // Without a whole header there is no transaction to answer; and only requests are answered.
-    if (!packet || packet->flags != wire::kQmiRequest)
+    // Without a whole header there is no transaction to answer.
+    if (!packet)
+        return log(entry.word("malformed").bytes("packet", bytes), bytes);
+    const messages::QmiMessage message = messages::decode(service_.id(), *packet);
+    describe_packet(message, nullptr, entry);
+    log(entry, bytes);
+    // Only requests are answered.
+    if (packet->flags != wire::kQmiRequest)
         return;
-    QmiExchange exchange(*this, service_, connection, *packet);
+    QmiExchange exchange(*this, service_, connection, message);
     answer(connection, exchange);
 }
 
-WireLine QmiPort::packet_line(ConnectionId connection, Direction direction, wire::View bytes) {
-    WireLine entry = line(connection, direction);
-    const auto packet = wire::decode_qmi(bytes);
-    if (!packet) {
-        entry.word("malformed").bytes("packet", bytes);
-        return entry;
-    }
-    entry.word(kind_name(packet->flags))
-        .word(service_.message_name(packet->message) + "(" + std::to_string(packet->message) + ")")
-        .word("#" + std::to_string(packet->transaction));
-    const auto kind = static_cast<wire::QmiFlags>(packet->flags);
-    if (wire::tlvs_are_whole(packet->body))
-        service_.describe(kind, packet->message, packet->body, entry);
-    else
-        service_.QmiService::describe(kind, packet->message, packet->body, entry);
+WireLine QmiPort::packet_line(ConnectionId connection, wire::View bytes, const messages::Asked* asked) {
+    WireLine entry = line(connection, Direction::kFromModem);
+    if (const auto packet = wire::decode_qmi(bytes))
+        describe_packet(messages::decode(service_.id(), *packet), asked, entry);
     return entry;
 }
 

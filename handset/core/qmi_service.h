@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "describe.h"
 #include "port.h"
 #include "qmi_names.h"
 #include "wire.h"
@@ -18,6 +19,7 @@ struct QmiRequest {
     ConnectionId connection = 0;
     uint16_t message = 0;
     wire::View body;  // well-formed TLVs
+    const messages::QmiMessage& decoded;
 
     /// The value of a TLV, empty when it is absent.
     wire::View tlv(uint8_t type) const { return wire::find_tlv(body, type).value_or(wire::View()); }
@@ -50,16 +52,8 @@ public:
     virtual wire::Bytes modem_result(const QmiRequest&, int32_t) const { return {}; }
     virtual wire::Bytes payload(wire::View) const { return {}; }
 
-    /// Adds what a fault may choose by, beyond the message.
-    virtual void complete(ExchangeKey&, const QmiRequest&) const {}
-
     virtual void connection_opened(ConnectionId) {}
     virtual void connection_closed(ConnectionId) {}
-
-    /// For the wire log: the message's name, and its body, which is well-formed. As long as a service does
-    /// not decode it, each TLV is a field of its own.
-    virtual std::string message_name(uint16_t message) const;
-    virtual void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const;
 
 protected:
     /// Sends an indication to all that are connected.
@@ -75,16 +69,14 @@ private:
 /// The standard result, TLV 0x02; error 0 is success. Further TLVs go behind it.
 wire::Writer qmi_result(uint32_t error = 0);
 
-/// The standard result of an answer, for the wire log. False when there is none.
-bool describe_result(wire::View body, WireLine& line);
-
 class QmiPort : public Port {
 public:
     QmiPort(Core& core, QmiService& service);
 
     void indicate(uint16_t message, const wire::Bytes& body);
     void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
-    WireLine packet_line(ConnectionId connection, Direction direction, wire::View packet);
+    /// The line of a packet that leaves. What was asked tells how to understand an answer; null: nothing.
+    WireLine packet_line(ConnectionId connection, wire::View packet, const messages::Asked* asked);
     WireLine no_answer_line(ConnectionId connection, uint16_t transaction);
 
 protected:

@@ -3,29 +3,24 @@
 //   MM-DD HH:MM:SS.mmm WHERE CONNECTION DIRECTION MESSAGE FIELD=VALUE ...
 //
 //   WHERE        qmi/<service>, diag, at, or modem for the handset itself
-//   CONNECTION   the connection's number at its socket, counted from 1 since the boot, or "-"; only those
-//   that
+//   CONNECTION   the connection's number at its port, counted from 1 since the boot, or "-"; only those that
 //                something passed on are counted
 //   DIRECTION    -> to the modem, <- from the modem, -- something happened
 //   MESSAGE      qmi: request, response or indication, then NAME(NUMBER) #TRANSACTION; diag: the op's or
-//   event's name;
-//                for --: what happened
-//   VALUE        a decimal number, a text in double quotes (\" \\ \r \n \t \xNN), or bytes [01 02 FF]; a tail
-//   of 8 or
-//                more zero bytes is its count, [01 02 (+490 zero)]
+//                event's name; for --: what happened
+//   FIELD        a name stands once in a line; those of a list's items are LIST.INDEX.NAME
+//   VALUE        a number, a text in double quotes (\" \\ \r \n \t \xNN), or bytes [01 02 FF]; a tail of
+//                8 or more zero bytes is its count, [01 02 (+490 zero)]
 //
 // Decoded fields come first, then the bytes they were decoded from. What a fault of the profile did to an
-// answer is its last field, fault="..."; an answer that never left is "<- none". For example:
-//
-//   08-01 12:00:00.123 qmi/extension 1 -> request send(2) #1 id=2 data_len=512 command="efs_read" sub=0
-//   path="/x" ... 08-01 12:00:00.123 qmi/extension 1 <- response send(2) #1 id=0 data_len=23 data=[00 00 00
-//   00 03 ... 01 02 FF]
+// answer is its last field, fault="..."; an answer that never left is "<- none".
 #include "wire_log.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <ctime>
 
@@ -34,16 +29,22 @@
 
 namespace handset {
 
-WireLine::WireLine(std::string_view where, uint64_t connection, Direction direction) {
+WireLine::WireLine(std::string_view where, uint32_t connection, Direction direction, pid_t pid) {
+    record_.where = where;
+    record_.connection = connection;
+    record_.direction = direction;
+    record_.pid = pid;
     line_.reserve(2048);
     line_ += where;
     line_ += ' ';
     line_ += connection == 0 ? "-" : std::to_string(connection);
     line_ += direction == Direction::kToModem ? " ->" : direction == Direction::kFromModem ? " <-" : " --";
+    head_ = line_.size() + 1;
 }
 
 void WireLine::field(std::string_view name) {
     line_ += ' ';
+    line_ += prefix_;
     line_ += name;
     line_ += '=';
 }
@@ -66,6 +67,13 @@ WireLine& WireLine::unsigned_number(std::string_view name, uint64_t value) {
     return *this;
 }
 
+WireLine& WireLine::real(std::string_view name, float value) {
+    char digits[32];
+    field(name);
+    line_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    return *this;
+}
+
 WireLine& WireLine::text(std::string_view name, std::string_view value) {
     field(name);
     append_quoted(line_, value);
@@ -80,18 +88,56 @@ WireLine& WireLine::bytes(std::string_view name, wire::View value) {
     return *this;
 }
 
-WireLog::WireLog(const std::string& path)
+WireLine& WireLine::begin_item(std::string_view list, size_t index) {
+    prefix_.assign(list).append(1, '.').append(std::to_string(index)).append(1, '.');
+    return *this;
+}
+
+WireLine& WireLine::begin_group(std::string_view name) {
+    prefix_.assign(name).append(1, '.');
+    return *this;
+}
+
+WireLine& WireLine::end() {
+    prefix_.clear();
+    return *this;
+}
+
+WireLine& WireLine::fault(std::string_view name) {
+    record_.fault = name;
+    return text("fault", name);
+}
+
+WireLog::File::File(const std::string& path)
     : fd_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)) {
     if (fd_ < 0)
         throw system_error("cannot write " + path, errno);
 }
 
-WireLog::~WireLog() {
+WireLog::File::~File() {
     flush();
     close(fd_);
 }
 
-void WireLog::add(const WireLine& line) {
+void WireLog::File::flush() {
+    size_t done = 0;
+    while (done < pending.size()) {
+        const ssize_t count = write(fd_, pending.data() + done, pending.size() - done);
+        if (count < 0 && errno == EINTR)
+            continue;
+        // A full disk must not stop the modem; the lines are lost.
+        if (count < 0)
+            break;
+        done += static_cast<size_t>(count);
+    }
+    pending.clear();
+}
+
+WireLog::WireLog(const std::string& folder) : text_(folder + "/wire.log"), raw_(folder + "/wire.raw") {}
+
+WireLog::~WireLog() = default;
+
+void WireLog::add(const WireLine& line, wire::View packet) {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     if (now.tv_sec != stamp_second_) {
@@ -102,23 +148,19 @@ void WireLog::add(const WireLine& line) {
         stamp_ = text;
         stamp_second_ = now.tv_sec;
     }
-    char fraction[8];
-    snprintf(fraction, sizeof fraction, ".%03d ", static_cast<int>(now.tv_nsec / 1'000'000) % 1000);
-    pending_.append(stamp_).append(fraction).append(line.str()).append(1, '\n');
+    const int milliseconds = static_cast<int>(now.tv_nsec / 1'000'000) % 1000;
+    const char fraction[] = {'.', static_cast<char>('0' + milliseconds / 100),
+                             static_cast<char>('0' + milliseconds / 10 % 10),
+                             static_cast<char>('0' + milliseconds % 10), ' '};
+    text_.pending.append(stamp_).append(fraction, sizeof fraction).append(line.str()).append(1, '\n');
+
+    const std::string_view event = packet.size > 0 ? "" : std::string_view(line.str()).substr(line.head_);
+    append_record(raw_.pending, line.record_, now, packet, event);
 }
 
 void WireLog::flush() {
-    size_t done = 0;
-    while (done < pending_.size()) {
-        const ssize_t count = write(fd_, pending_.data() + done, pending_.size() - done);
-        if (count < 0 && errno == EINTR)
-            continue;
-        // A full disk must not stop the modem; the lines are lost.
-        if (count < 0)
-            break;
-        done += static_cast<size_t>(count);
-    }
-    pending_.clear();
+    text_.flush();
+    raw_.flush();
 }
 
 }  // namespace handset

@@ -1,56 +1,89 @@
-// The wire log, log/wire.log: what passed between the modem and the rest of the world, for people to read and
-// for scripts to search. The format of its lines is described in wire_log.cpp.
+// The wire log: what passed between the modem and the rest of the world. log/wire.log has it as lines for
+// people to read and for scripts to search; their format is described in wire_log.cpp. log/wire.raw has the
+// same as records, from which other forms are made (wire_record.h).
 #pragma once
+
+#include <sys/types.h>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "describe.h"
 #include "wire.h"
+#include "wire_record.h"
 
 namespace handset {
 
-enum class Direction { kToModem, kFromModem, kEvent };
-
 /// One line, built field by field.
-class WireLine {
+class WireLine : public messages::Sink {
 public:
     /// `where` is the road, with the service behind a slash ("qmi/uim", "diag", "at", "modem"); connection 0
     /// is none.
-    WireLine(std::string_view where, uint64_t connection, Direction direction);
+    WireLine(std::string_view where, uint32_t connection, Direction direction, pid_t pid = 0);
 
     WireLine& word(std::string_view word);
-    WireLine& number(std::string_view name, int64_t value);
-    WireLine& unsigned_number(std::string_view name, uint64_t value);
-    WireLine& text(std::string_view name, std::string_view value);
-    WireLine& bytes(std::string_view name, wire::View value);
+    WireLine& number(std::string_view name, int64_t value) override;
+    WireLine& unsigned_number(std::string_view name, uint64_t value) override;
+    WireLine& real(std::string_view name, float value) override;
+    WireLine& text(std::string_view name, std::string_view value) override;
+    WireLine& bytes(std::string_view name, wire::View value) override;
+    WireLine& inner_bytes(std::string_view, wire::View) override { return *this; }
+    WireLine& malformed() override { return word("malformed"); }
+    WireLine& list(std::string_view name, size_t count) override { return unsigned_number(name, count); }
+    WireLine& begin_item(std::string_view list, size_t index) override;
+    WireLine& begin_group(std::string_view name) override;
+    WireLine& end() override;
+    WireLine& end_list() override { return *this; }
+
+    /// What a fault of the profile did; to be told last.
+    WireLine& fault(std::string_view name);
 
     const std::string& str() const { return line_; }
 
 private:
+    friend class WireLog;
     void field(std::string_view name);
 
     std::string line_;
+    std::string prefix_;  // of the names in an item or a group, "entries.0."
+    WireRecord record_;
+    size_t head_ = 0;  // where in the line what happened begins
 };
 
 class WireLog {
 public:
-    /// Appends to the file; throws Error when it cannot be opened.
-    explicit WireLog(const std::string& path);
+    /// Appends to the files in a folder; throws Error when they cannot be opened.
+    explicit WireLog(const std::string& folder);
     ~WireLog();
     WireLog(const WireLog&) = delete;
     WireLog& operator=(const WireLog&) = delete;
 
-    /// Stamps the line with the present time. It is in the file after the next flush().
-    void add(const WireLine& line);
+    /// Stamps the line with the present time. It is in the files after the next flush(), with the packet that
+    /// it tells of; a line without one tells of an event.
+    void add(const WireLine& line, wire::View packet = {});
 
     /// Called before anything can be seen from outside, an answer as well as a closed connection: whoever
     /// sees it finds it in the log.
     void flush();
 
 private:
-    int fd_;
-    std::string pending_;
+    class File {
+    public:
+        explicit File(const std::string& path);
+        ~File();
+        File(const File&) = delete;
+        File& operator=(const File&) = delete;
+        void flush();
+        std::string pending;
+
+    private:
+        int fd_;
+    };
+
+    File text_;
+    File raw_;
     int64_t stamp_second_ = -1;
     std::string stamp_;
 };

@@ -14,17 +14,6 @@ enum Code : uint8_t {
     kExtendedBuildId = 0x7C,
 };
 
-constexpr struct {
-    Code code;
-    const char* name;
-} kNames[] = {
-    {kVersion, "version"},
-    {kBadCommand, "bad_command"},
-    {kTime, "time"},
-    {kLoopBack, "loop_back"},
-    {kExtendedBuildId, "extended_build_id"},
-};
-
 constexpr uint16_t kModel = 0x0FA5;
 constexpr uint32_t kMsmRevision = 0x000A1B02;
 
@@ -84,14 +73,6 @@ wire::Bytes answer_diag_command(wire::View command) {
         default:
             return bad_command(command);
     }
-}
-
-const char* diag_code_name(wire::View message) {
-    for (const auto& entry : kNames) {
-        if (message.size > 0 && message.data[0] == entry.code)
-            return entry.name;
-    }
-    return nullptr;
 }
 
 }  // namespace handset

@@ -13,7 +13,4 @@ namespace handset {
 /// A command has one byte at least.
 wire::Bytes answer_diag_command(wire::View command);
 
-/// What the first byte of a command or a response says; null when the peripheral does not know it.
-const char* diag_code_name(wire::View message);
-
 }  // namespace handset

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core.h"
+#include "describe.h"
 #include "diag_peripheral.h"
 #include "profile_section.h"
 
@@ -30,7 +31,7 @@ public:
           connection_(connection),
           request_(request),
           op_(request.data[0]),
-          done_(diag_op(op_) != nullptr ? diag_op(op_)->done : 0) {}
+          done_(messages::diag_op(op_) != nullptr ? messages::diag_op(op_)->done : 0) {}
 
     ExchangeKey key() const override {
         ExchangeKey key;
@@ -60,6 +61,12 @@ private:
     const uint8_t op_;
     const int32_t done_;
 };
+
+void describe_packet(bool to_modem, wire::View packet, WireLine& line) {
+    const messages::DiagMessage message = messages::decode_diag(to_modem, packet);
+    line.word(messages::label(message.name, message.number));
+    messages::describe(message, line);
+}
 
 bool begins_with(wire::View bytes, const wire::Bytes& beginning) {
     return bytes.size >= beginning.size() && std::equal(beginning.begin(), beginning.end(), bytes.data);
@@ -92,25 +99,27 @@ DiagPort::DiagPort(Core& core, const DiagProfile& profile)
 
 void DiagPort::handle(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kToModem);
-    describe_diag_request(packet, entry);
-    log(entry);
+    describe_packet(true, packet, entry);
+    log(entry, packet);
     DiagExchange exchange(*this, connection, packet);
     answer(connection, exchange);
 }
 
 WireLine DiagPort::answer_line(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kFromModem);
-    describe_diag_answer(packet, entry);
+    describe_packet(false, packet, entry);
     return entry;
 }
 
 WireLine DiagPort::no_answer_line(ConnectionId connection, uint8_t op) {
-    return line(connection, Direction::kFromModem).word("none").word(diag_op_label(op));
+    return line(connection, Direction::kFromModem)
+        .word("none")
+        .word(messages::label(messages::decode_diag(true, {&op, 1}).name, op));
 }
 
 Answer DiagPort::carry_out(ConnectionId connection, wire::View request) {
     const uint8_t number = request.data[0];
-    const DiagOp* op = diag_op(number);
+    const messages::DiagOp* op = messages::diag_op(number);
     if (op == nullptr)
         return {answer_of(number, kUnknownOp, {}), {}};
     const auto wanted = profile_.results.find(number);
@@ -119,7 +128,7 @@ Answer DiagPort::carry_out(ConnectionId connection, wire::View request) {
 
     Outcome outcome;
     const bool open = sessions_[connection].open || number == wire::kDiagOpen;
-    if (open && diag_request_is_whole(*op, request))
+    if (open && op->is_whole(request))
         outcome = carry_out(connection, number, {request.data + 1, request.size - 1});
     if (!outcome.done)
         return {answer_of(number, op->refused, {}), {}};
@@ -255,7 +264,7 @@ void DiagPort::send_event(ConnectionId connection, int32_t client, const wire::B
     if (session == sessions_.end() || (client != 0 && session->second.clients.count(client) == 0))
         return;
     WireLine entry = line(connection, Direction::kFromModem);
-    describe_diag_event(packet, entry);
+    describe_packet(false, packet, entry);
     send(connection, packet, entry);
 }
 

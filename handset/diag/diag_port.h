@@ -7,7 +7,6 @@
 #include <set>
 #include <vector>
 
-#include "diag_packet.h"
 #include "diag_profile.h"
 #include "port.h"
 

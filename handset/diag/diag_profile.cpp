@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "diag_packet.h"
+#include "messages.h"
 
 namespace handset {
 namespace {
@@ -72,22 +72,27 @@ void read_response(Section& section, DiagResponse& response) {
 }
 
 void read_event(Section& section, uint8_t& event) {
+    Section::Named names;
+    for (const messages::DiagEvent& row : messages::diag_events())
+        names.emplace_back(row.name, row.number);
+    std::optional<uint32_t> number;
     section.require("event");
-    if (!section.is_name("event"))
-        return section.integer<uint8_t>("event", event, 0, wire::kDiagAnswer - 1);
-    std::string name;
-    section.text("event", name, 20);
-    const auto number = diag_event(name);
-    if (!number)
-        section.fail("event", "no event has this name");
-    event = *number;
+    section.named_integer("event", number, 0, wire::kDiagAnswer - 1, names);
+    event = static_cast<uint8_t>(number.value_or(event));
+}
+
+void read_op(Section& section, const char* key, uint8_t& op) {
+    Section::Named names;
+    for (const messages::DiagOp& row : messages::diag_ops())
+        names.emplace_back(row.name, row.number);
+    std::optional<uint32_t> number;
+    section.named_integer(key, number, 1, static_cast<uint32_t>(names.size()), names);
+    op = static_cast<uint8_t>(number.value_or(op));
 }
 
 void read_stream(Section& section, DiagStream& stream) {
     read_event(section, stream.event);
-    std::optional<uint32_t> after;
-    read_diag_op(section, "after", after);
-    stream.after = static_cast<uint8_t>(after.value_or(stream.after));
+    read_op(section, "after", stream.after);
     stream.bytes = read_content(section).value_or(wire::Bytes());
     read_time(section, "delay_ms", stream.delay);
     read_time(section, "every_ms", stream.every);
@@ -95,11 +100,10 @@ void read_stream(Section& section, DiagStream& stream) {
 }
 
 void read_results(Section& section, std::map<uint8_t, int32_t>& results) {
-    for (uint8_t number = 1; number <= kDiagOps; ++number) {
-        const DiagOp& op = *diag_op(number);
+    for (const messages::DiagOp& op : messages::diag_ops()) {
         int32_t result = op.done;
         section.integer(op.name, result);
-        results[number] = result;
+        results[op.number] = result;
     }
 }
 

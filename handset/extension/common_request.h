@@ -7,34 +7,19 @@
 #include <map>
 #include <utility>
 
+#include "extension.h"
 #include "modem_files.h"
 #include "wire.h"
 
 namespace handset {
 
-class WireLine;
-
-enum class CommonForm {
-    kGpio,       // first word 0
-    kTxAntenna,  // first word 1
-    kTlv,        // first word 2: code, length and value follow
-    kDirect,     // any other first word: the code itself
-};
-
-struct CommonRequest {
-    CommonForm form = CommonForm::kDirect;
-    uint32_t code = 0;     // GPIO and TX antenna: the first word
-    wire::View value;      // t/l/v: the value; else what follows the first word
-    bool complete = true;  // false: the payload ends before what it announces
-};
+using messages::CommonForm;
+using messages::CommonRequest;
 
 struct CommonAnswer {
     int32_t result = kModemOk;
     wire::Bytes value;  // at most 496 bytes leave
 };
-
-CommonRequest decode_common(wire::View payload);
-void describe_common(wire::View payload, WireLine& line);
 
 /// The 16-byte header, then the value.
 wire::Bytes encode_common(uint32_t code, const CommonAnswer& answer);
@@ -48,8 +33,8 @@ public:
         handlers_[{form, code}] = std::move(handler);
     }
 
-    /// The payload of the answer to a payload. One that is cut short is malformed and reaches no handler.
-    wire::Bytes handle(wire::View payload) const;
+    /// The payload of the answer to a request. One that is cut short is malformed and reaches no handler.
+    wire::Bytes handle(const CommonRequest& request) const;
 
 private:
     std::map<std::pair<CommonForm, uint32_t>, Handler> handlers_;

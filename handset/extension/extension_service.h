@@ -3,8 +3,6 @@
 #pragma once
 
 #include <map>
-#include <optional>
-#include <string>
 
 #include "file_access.h"
 #include "qmi_service.h"
@@ -21,22 +19,9 @@ public:
     wire::Bytes refusal(uint32_t error) const override;
     wire::Bytes modem_result(const QmiRequest& request, int32_t result) const override;
     wire::Bytes payload(wire::View payload) const override;
-    void complete(ExchangeKey& key, const QmiRequest& request) const override;
     void connection_closed(ConnectionId connection) override { transfers_.erase(connection); }
-    std::string message_name(uint16_t message) const override;
-    void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const override;
-
-    /// Sends message 3's indication to all that are connected.
-    void indicate_extension(uint32_t id, wire::View payload);
 
 private:
-    struct Message {
-        uint32_t id = 0;
-        uint32_t data_len = 0;
-        wire::View payload;  // empty when the message brings none
-    };
-
-    static std::optional<Message> decode(wire::View body);
     static wire::Bytes encode(uint32_t id, wire::View payload);
 
     ModemFiles& files_;

@@ -5,12 +5,11 @@
 #include <cstdint>
 #include <string>
 
+#include "extension.h"
 #include "modem_files.h"
 #include "wire.h"
 
 namespace handset {
-
-class WireLine;
 
 /// The transfers of one connection; they end with it. A chunked write is collected here and becomes a file
 /// only with its last byte; a chunked read goes on in the content that its first chunk found.
@@ -19,29 +18,25 @@ public:
     explicit FileAccess(ModemFiles& files) : files_(files) {}
 
     /// Carries out one request and returns its answer's payload.
-    wire::Bytes handle(wire::View payload);
-
-    /// The fields of a request's payload, for the wire log.
-    static void describe(wire::View payload, WireLine& line);
+    wire::Bytes handle(const messages::FileRequest& request);
 
 private:
-    struct Request;
     struct Transfer {
         std::string name;
         wire::Bytes content;
     };
 
-    wire::Bytes read(const Request& request);
-    ModemResult write(const Request& request);
-    ModemResult write_chunk(const Request& request);
+    using Request = messages::FileRequest;
+
+    /// `name` is that of the file or item.
+    wire::Bytes read(const Request& request, const std::string& name);
+    ModemResult write(const Request& request, const std::string& name);
+    ModemResult write_chunk(const Request& request, const std::string& name);
 
     ModemFiles& files_;
     Transfer reading_;
     Transfer writing_;
 };
-
-/// The inner command of a request's payload.
-uint8_t file_command(wire::View payload);
 
 /// An answer's payload with a result and nothing else.
 wire::Bytes file_result(int32_t result);

@@ -14,7 +14,7 @@
 #include "error.h"
 #include "folder.h"
 #include "hex_text.h"
-#include "qmi_names.h"
+#include "messages.h"
 #include "state_board.h"
 
 namespace handset {
@@ -48,7 +48,7 @@ Rows services(const std::string& folder) {
     for (const auto& entry : fs::directory_iterator(folder + "/qmi", ignored)) {
         const auto id = static_cast<uint16_t>(strtoul(entry.path().filename().c_str(), nullptr, 10));
         if (entry.is_socket(ignored))
-            found.emplace_back(id, service_name(id));
+            found.emplace_back(id, messages::service_name(id));
     }
     std::sort(found.begin(), found.end());
     Rows rows;

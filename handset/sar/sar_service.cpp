@@ -30,17 +30,4 @@ QmiAnswer SarService::handle(const QmiRequest& request) {
     return {body.take()};
 }
 
-std::string SarService::message_name(uint16_t message) const {
-    return message == kGetDsi ? "get_dsi" : "message";
-}
-
-void SarService::describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const {
-    const auto dsi = wire::find_tlv(body, kTlvDsi);
-    if (kind != wire::kQmiResponse || message != kGetDsi || (dsi && dsi->size != 4) ||
-        !describe_result(body, line))
-        return QmiService::describe(kind, message, body, line);
-    if (dsi)
-        line.unsigned_number("dsi", wire::Reader(*dsi).u32());
-}
-
 }  // namespace handset

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "qmi_service.h"
 
@@ -24,8 +23,6 @@ public:
     SarService(Core& core, const SarProfile& profile);
 
     QmiAnswer handle(const QmiRequest& request) override;
-    std::string message_name(uint16_t message) const override;
-    void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const override;
 
 private:
     const SarProfile& profile_;

@@ -1,7 +1,6 @@
 #include "statistics_indication.h"
 
 #include "profile_section.h"
-#include "wire_log.h"
 
 namespace handset {
 namespace {
@@ -15,11 +14,6 @@ constexpr uint16_t kBytes = 0x0204;
 // 0x01 u8
 constexpr uint16_t kState = 0x0601;
 constexpr uint16_t kRaw = 0;  // any other, as bytes
-
-constexpr struct {
-    uint16_t message;
-    const char* name;
-} kNames[] = {{kStatus, "status"}, {kReport, "report"}, {kBytes, "bytes"}, {kState, "state"}};
 
 // More than a reader may expect, so that its bounds can be tried, and less than a packet holds.
 constexpr size_t kEntriesMax = 30;
@@ -71,40 +65,6 @@ void read_fields(Section& section, uint16_t message, wire::Writer& body) {
     }
 }
 
-// Takes the TLVs of a body one by one; a reader of their values in the order in which they are asked for.
-class Body {
-public:
-    explicit Body(wire::View body) : body_(body) {}
-
-    uint64_t number(uint8_t type, size_t width) {
-        const auto tlv = wire::find_tlv(body_, type);
-        ok_ = ok_ && tlv && tlv->size == width;
-        return ok_ ? wire::Reader(*tlv).number(width) : 0;
-    }
-    wire::View value(uint8_t type) {
-        const auto tlv = wire::find_tlv(body_, type);
-        ok_ = ok_ && tlv;
-        return tlv.value_or(wire::View());
-    }
-    bool has(uint8_t type) const { return wire::find_tlv(body_, type).has_value(); }
-    bool ok() const { return ok_; }
-
-private:
-    wire::View body_;
-    bool ok_ = true;
-};
-
-void describe_entries(const char* name, wire::View list, WireLine& line, bool& ok) {
-    wire::Reader reader(list);
-    const unsigned count = reader.u8();
-    line.number(name, count);
-    for (unsigned i = 0; i < count && reader.ok(); ++i) {
-        line.unsigned_number("id", reader.u32()).number("first", reader.u16()).number("second", reader.u16());
-        line.bytes("value", reader.bytes(reader.u16()));
-    }
-    ok = ok && reader.ok() && reader.left() == 0;
-}
-
 }  // namespace
 
 void read_profile(Section& section, StatisticsIndication& indication) {
@@ -125,52 +85,6 @@ void read_profile(Section& section, StatisticsIndication& indication) {
         read_fields(section, indication.message, body);
         indication.body = body.take();
     }
-}
-
-std::string indication_name(uint16_t message) {
-    for (const auto& known : kNames) {
-        if (known.message == message)
-            return known.name;
-    }
-    return "message";
-}
-
-bool describe_indication(uint16_t message, wire::View bytes, WireLine& line) {
-    Body body(bytes);
-    WireLine described = line;
-    bool whole = true;
-    switch (message) {
-        case kStatus:
-            described.unsigned_number("value", body.number(0x01, 4));
-            described.unsigned_number("first", body.number(0x02, 1));
-            described.unsigned_number("second", body.number(0x03, 1));
-            break;
-        case kReport:
-            described.unsigned_number("value", body.number(0x01, 4));
-            describe_entries("first", body.value(0x02), described, whole);
-            describe_entries("second", body.value(0x03), described, whole);
-            if (body.has(0x10))
-                described.unsigned_number("last", body.number(0x10, 4));
-            break;
-        case kBytes: {
-            wire::Reader reader(body.value(0x02));
-            described.unsigned_number("value", body.number(0x01, 4));
-            described.bytes("bytes", reader.bytes(reader.u8()));
-            described.unsigned_number("first", body.number(0x03, 2));
-            described.unsigned_number("second", body.number(0x04, 2));
-            whole = reader.ok() && reader.left() == 0;
-            break;
-        }
-        case kState:
-            described.unsigned_number("state", body.number(0x01, 1));
-            break;
-        default:
-            return false;
-    }
-    if (!body.ok() || !whole)
-        return false;
-    line = described;
-    return true;
 }
 
 }  // namespace handset

@@ -3,14 +3,12 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "wire.h"
 
 namespace handset {
 
 class Section;
-class WireLine;
 
 enum class StatisticsOccasion { kConnection, kFeature, kValues };
 
@@ -22,12 +20,5 @@ struct StatisticsIndication {
 };
 
 void read_profile(Section& section, StatisticsIndication& indication);
-
-/// "message" for a number that is none of the four.
-std::string indication_name(uint16_t message);
-
-/// The fields of an indication, for the wire log. False, and nothing is added, when the body is not what the
-/// message promises.
-bool describe_indication(uint16_t message, wire::View body, WireLine& line);
 
 }  // namespace handset

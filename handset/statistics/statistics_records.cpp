@@ -6,189 +6,116 @@
 #include <limits>
 
 #include "profile_section.h"
+#include "records.h"
 
 namespace handset {
 namespace {
 
-enum class Kind : uint8_t { kU8, kU16, kU32, kF32 };
+using messages::RecordField;
 
-// The defaults: `value` in the first record that has this layout, `step` from one record to the next.
-struct Field {
-    const char* name;
-    Kind kind;
+// What a field holds when the profile says nothing: `value` in the first record that has its layout, `step`
+// more from one record to the next.
+struct Default {
     double value;
     double step;
 };
 
-struct Layout {
-    const Field* fields;
+// In the order of the layouts' fields.
+constexpr Default kLteDefaults[] = {
+    {1, 0},          {2, 0},         {1300, 48},     {101, 17},       {1, 0},          {15, 0},
+    {-85.5, -0.75},  {-9.25, -0.25}, {-56.5, -0.75}, {21.5, -0.5},    {-87.25, -0.75}, {-10, -0.25},
+    {-58.25, -0.75}, {19.75, -0.5},  {-91.5, -0.75}, {-11.75, -0.25}, {-62.75, -0.75}, {16.5, -0.5},
+    {-92.25, -0.75}, {-12.5, -0.25}, {-63.5, -0.75}, {15.25, -0.5}};
+constexpr Default kNrRssiDefaults[] = {{1, 0}, {-58.25, -2.5}, {-59.5, -2.5}, {-63.75, -2.5}, {-64.5, -2.5}};
+constexpr Default kNrSnrDefaults[] = {{1, 0}, {24.5, -1.5}, {23.25, -1.5}, {20.75, -1.5}, {20, -1.5}};
+constexpr Default kNrRsrpDefaults[] = {{1, 0},          {-84.5, -1.25}, {-85.25, -1.25},
+                                       {-89.75, -1.25}, {-91, -1.25},   {-10.75, -0.25}};
+constexpr Default kNrAntDiversityDefaults[] = {{1, 0}, {0, 1}, {4, 1}, {1, 1},  {5, 1}, {2, 1}, {6, 1},
+                                               {3, 1}, {7, 1}, {8, 1}, {10, 1}, {9, 1}, {11, 1}};
+constexpr Default kWcdmaDefaults[] = {{1, 0}, {-71.25, -1.75}, {-73.5, -1.75}};
+constexpr Default kGsmDefaults[] = {{1, 0}, {-63.5, -2.25}, {-66.25, -2.25}};
+constexpr Default kAntInfoDefaults[] = {{1, 0}, {4, 1}, {258, 1}, {515, 1}, {1, 2}, {2, 2}};
+
+struct Defaults {
+    const messages::RecordLayout* layout;
+    const Default* first;
     size_t count;
 
     template <size_t N>
-    constexpr explicit Layout(const Field (&table)[N]) : fields(table), count(N) {}
+    constexpr Defaults(const messages::RecordLayout& fields, const Default (&values)[N])
+        : layout(&fields), first(values), count(N) {}
 };
 
-constexpr Field kLteFields[] = {
-    {"version", Kind::kU8, 1, 0},
-    {"version_ssmr", Kind::kU8, 2, 0},
-    {"earfcn", Kind::kU32, 1300, 48},
-    {"pci", Kind::kU16, 101, 17},
-    {"is_srv_cell", Kind::kU8, 1, 0},
-    {"rx_valid", Kind::kU16, 15, 0},
-    {"rsrp_rx0", Kind::kF32, -85.5, -0.75},
-    {"rsrq_rx0", Kind::kF32, -9.25, -0.25},
-    {"rssi_rx0", Kind::kF32, -56.5, -0.75},
-    {"snr_rx0", Kind::kF32, 21.5, -0.5},
-    {"rsrp_rx1", Kind::kF32, -87.25, -0.75},
-    {"rsrq_rx1", Kind::kF32, -10, -0.25},
-    {"rssi_rx1", Kind::kF32, -58.25, -0.75},
-    {"snr_rx1", Kind::kF32, 19.75, -0.5},
-    {"rsrp_rx2", Kind::kF32, -91.5, -0.75},
-    {"rsrq_rx2", Kind::kF32, -11.75, -0.25},
-    {"rssi_rx2", Kind::kF32, -62.75, -0.75},
-    {"snr_rx2", Kind::kF32, 16.5, -0.5},
-    {"rsrp_rx3", Kind::kF32, -92.25, -0.75},
-    {"rsrq_rx3", Kind::kF32, -12.5, -0.25},
-    {"rssi_rx3", Kind::kF32, -63.5, -0.75},
-    {"snr_rx3", Kind::kF32, 15.25, -0.5},
-};
-constexpr Layout kLte(kLteFields);
-
-constexpr Field kNrRssiFields[] = {
-    {"version", Kind::kU32, 1, 0},      {"rssi0", Kind::kF32, -58.25, -2.5},
-    {"rssi1", Kind::kF32, -59.5, -2.5}, {"rssi2", Kind::kF32, -63.75, -2.5},
-    {"rssi3", Kind::kF32, -64.5, -2.5},
-};
-constexpr Layout kNrRssi(kNrRssiFields);
-
-constexpr Field kNrSnrFields[] = {
-    {"version", Kind::kU32, 1, 0},     {"snr0", Kind::kF32, 24.5, -1.5}, {"snr1", Kind::kF32, 23.25, -1.5},
-    {"snr2", Kind::kF32, 20.75, -1.5}, {"snr3", Kind::kF32, 20, -1.5},
-};
-constexpr Layout kNrSnr(kNrSnrFields);
-
-constexpr Field kNrRsrpFields[] = {
-    {"version", Kind::kU32, 1, 0},           {"rsrp_rx0", Kind::kF32, -84.5, -1.25},
-    {"rsrp_rx1", Kind::kF32, -85.25, -1.25}, {"rsrp_rx2", Kind::kF32, -89.75, -1.25},
-    {"rsrp_rx3", Kind::kF32, -91, -1.25},    {"rsrq", Kind::kF32, -10.75, -0.25},
-};
-constexpr Layout kNrRsrp(kNrRsrpFields);
-
-constexpr Field kNrAntDiversityFields[] = {
-    {"version", Kind::kU32, 1, 0},      {"ant_rx_0_old", Kind::kU8, 0, 1},  {"ant_rx_0_new", Kind::kU8, 4, 1},
-    {"ant_rx_1_old", Kind::kU8, 1, 1},  {"ant_rx_1_new", Kind::kU8, 5, 1},  {"ant_rx_2_old", Kind::kU8, 2, 1},
-    {"ant_rx_2_new", Kind::kU8, 6, 1},  {"ant_rx_3_old", Kind::kU8, 3, 1},  {"ant_rx_3_new", Kind::kU8, 7, 1},
-    {"ant_tx_0_old", Kind::kU8, 8, 1},  {"ant_tx_0_new", Kind::kU8, 10, 1}, {"ant_tx_1_old", Kind::kU8, 9, 1},
-    {"ant_tx_1_new", Kind::kU8, 11, 1},
-};
-constexpr Layout kNrAntDiversity(kNrAntDiversityFields);
-
-constexpr Field kWcdmaFields[] = {
-    {"version", Kind::kU8, 1, 0},
-    {"rx_agc_0", Kind::kF32, -71.25, -1.75},
-    {"rx_agc_1", Kind::kF32, -73.5, -1.75},
-};
-constexpr Layout kWcdma(kWcdmaFields);
-
-constexpr Field kGsmFields[] = {
-    {"version", Kind::kU8, 1, 0},
-    {"rx_prx", Kind::kF32, -63.5, -2.25},
-    {"rx_drx", Kind::kF32, -66.25, -2.25},
-};
-constexpr Layout kGsm(kGsmFields);
-
-constexpr Field kAntInfoFields[] = {
-    {"version", Kind::kU8, 1, 0},
-    {"ant_number", Kind::kU8, 4, 1},
-    {"ant_switch_path", Kind::kU16, 258, 1},
-    {"sig_path", Kind::kU16, 515, 1},
-    {"old_config", Kind::kU8, 1, 2},
-    {"new_config", Kind::kU8, 2, 2},
-};
-constexpr Layout kAntInfo(kAntInfoFields);
-
-constexpr struct {
-    uint32_t id;
-    const Layout* layout;
-    int place;  // among the records of this layout
-} kRecords[] = {
-    {82, &kLte, 0},              // 4G, primary carrier
-    {103, &kLte, 1},             // 4G, secondary carriers 1 to 6
-    {104, &kLte, 2},             //
-    {105, &kLte, 3},             //
-    {106, &kLte, 4},             //
-    {107, &kLte, 5},             //
-    {108, &kLte, 6},             //
-    {94, &kNrRssi, 0},           // 5G, primary carrier
-    {112, &kNrSnr, 0},           //
-    {113, &kNrAntDiversity, 0},  //
-    {135, &kNrRsrp, 0},          //
-    {6, &kNrRsrp, 1},            // 5G, secondary carriers 1 and 2
-    {7, &kNrRsrp, 2},            //
-    {110, &kWcdma, 0},           //
-    {111, &kGsm, 0},             //
-    {100, &kAntInfo, 0},         //
+constexpr Defaults kDefaults[] = {
+    {messages::kLteRecord, kLteDefaults},
+    {messages::kNrRssiRecord, kNrRssiDefaults},
+    {messages::kNrSnrRecord, kNrSnrDefaults},
+    {messages::kNrRsrpRecord, kNrRsrpDefaults},
+    {messages::kNrAntDiversityRecord, kNrAntDiversityDefaults},
+    {messages::kWcdmaRecord, kWcdmaDefaults},
+    {messages::kGsmRecord, kGsmDefaults},
+    {messages::kAntInfoRecord, kAntInfoDefaults},
 };
 
-void pack(wire::Writer& writer, Kind kind, double value) {
-    if (kind == Kind::kF32) {
-        const auto number = static_cast<float>(value);
-        uint32_t bits = 0;
-        static_assert(sizeof bits == sizeof number, "IEEE single");
-        memcpy(&bits, &number, sizeof bits);
-        writer.u32(bits);
-        return;
+// A layout with more fields than defaults leaves the last ones zero.
+Default default_of(const messages::RecordLayout* layout, size_t field) {
+    for (const Defaults& known : kDefaults) {
+        if (known.layout == layout && field < known.count)
+            return known.first[field];
     }
-    writer.number(static_cast<uint64_t>(value), kind == Kind::kU8 ? 1 : kind == Kind::kU16 ? 2 : 4);
+    return {};
 }
 
-void read_field(Section& section, const Field& field, double& value) {
-    if (field.kind == Kind::kF32 && section.is_text(field.name)) {
+void pack(wire::Writer& writer, const RecordField& field, double value) {
+    if (field.kind != RecordField::kF32) {
+        writer.number(static_cast<uint64_t>(value), field.size());
+        return;
+    }
+    const auto number = static_cast<float>(value);
+    uint32_t bits = 0;
+    static_assert(sizeof bits == sizeof number, "IEEE single");
+    memcpy(&bits, &number, sizeof bits);
+    writer.u32(bits);
+}
+
+void read_field(Section& section, const RecordField& field, double& value) {
+    if (field.kind == RecordField::kF32 && section.is_text(field.name)) {
         constexpr double kInfinite = std::numeric_limits<double>::infinity();
         section.choice(field.name, value, {{"nan", std::nan("")}, {"inf", kInfinite}, {"-inf", -kInfinite}});
-    } else if (field.kind == Kind::kF32) {
+    } else if (field.kind == RecordField::kF32) {
         section.number(field.name, value, -FLT_MAX, FLT_MAX);
     } else {
         auto number = static_cast<uint32_t>(value);
         section.integer<uint32_t>(field.name, number, 0,
-                                  field.kind == Kind::kU8    ? UINT8_MAX
-                                  : field.kind == Kind::kU16 ? UINT16_MAX
-                                                             : UINT32_MAX);
+                                  static_cast<uint32_t>((uint64_t{1} << (8 * field.size())) - 1));
         value = number;
     }
 }
 
-wire::Bytes record(Section* section, uint32_t id, uint16_t sub) {
+wire::Bytes pack_record(Section* section, uint32_t id, uint16_t sub) {
     wire::Writer writer;
-    for (const auto& entry : kRecords) {
-        if (entry.id != id)
-            continue;
-        for (size_t i = 0; i < entry.layout->count; ++i) {
-            const Field& field = entry.layout->fields[i];
-            double value = field.value + field.step * (2 * entry.place + sub);
-            if (section != nullptr)
-                read_field(*section, field, value);
-            pack(writer, field.kind, value);
-        }
+    const messages::Record* known = messages::record(id);
+    if (known == nullptr)
+        return {};
+    size_t index = 0;
+    for (const RecordField& field : *known->layout) {
+        const Default initial = default_of(known->layout, index++);
+        double value = initial.value + initial.step * (2 * known->place + sub);
+        if (section != nullptr)
+            read_field(*section, field, value);
+        pack(writer, field, value);
     }
     return writer.take();
 }
 
 }  // namespace
 
-std::vector<uint32_t> record_ids() {
-    std::vector<uint32_t> ids;
-    for (const auto& entry : kRecords)
-        ids.push_back(entry.id);
-    return ids;
-}
-
 wire::Bytes default_record(uint32_t id, uint16_t sub) {
-    return record(nullptr, id, sub);
+    return pack_record(nullptr, id, sub);
 }
 
 wire::Bytes read_record(Section& section, uint32_t id, uint16_t sub) {
-    return record(&section, id, sub);
+    return pack_record(&section, id, sub);
 }
 
 }  // namespace handset

@@ -1,19 +1,15 @@
-// The records of the modem's measurements: which data id holds which fields, how they are packed, and what a
-// handset measures whose profile says nothing. No two default records are alike, so that a value that comes
+// The records of the modem's measurements: how their fields are packed, and what a handset measures whose
+// profile says nothing. No two default records are alike, so that a value that comes
 // from the wrong place is seen.
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "wire.h"
 
 namespace handset {
 
 class Section;
-
-/// Every data id that has a record.
-std::vector<uint32_t> record_ids();
 
 /// The packed record of one of them, with the default measurements of a subscription (0 or 1).
 wire::Bytes default_record(uint32_t id, uint16_t sub);

@@ -1,9 +1,11 @@
 #include "statistics_service.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "core.h"
 #include "profile_section.h"
+#include "records.h"
 #include "statistics_records.h"
 
 namespace handset {
@@ -23,7 +25,9 @@ constexpr size_t kValueMax = 2000;
 constexpr uint8_t kEntriesMax = 20;
 constexpr size_t kValuesMax = 1000;
 constexpr size_t kIndicationsMax = 100;
+// With the result and the list's head it still fits into a packet.
 constexpr size_t kListMax = 65000;
+constexpr size_t kEntryHead = 10;
 
 struct Entry {
     uint16_t sub = 0;
@@ -67,7 +71,9 @@ std::optional<ValueRequest> decode_value_request(wire::View body) {
 class AnswerList {
 public:
     void add(const StatisticsValue& value) {
-        for (unsigned i = 0; i < value.entries && count_ < UINT8_MAX && entries_.size() < kListMax; ++i) {
+        const size_t size = kEntryHead + value.bytes.size();
+        for (unsigned i = 0; i < value.entries && count_ < UINT8_MAX && entries_.size() + size <= kListMax;
+             ++i) {
             entries_.u16(value.sub).u16(0).u32(value.id).u16(value.length).bytes(value.bytes);
             ++count_;
         }
@@ -79,50 +85,24 @@ private:
     uint8_t count_ = 0;
 };
 
-void describe_entries(const std::vector<Entry>& entries, WireLine& line) {
-    line.number("entries", static_cast<int64_t>(entries.size()));
-    for (const Entry& entry : entries)
-        line.number("sub", entry.sub)
-            .number("type", entry.type)
-            .number("id", entry.id)
-            .bytes("value", entry.value);
-}
-
-bool describe_request(uint16_t message, wire::View body, WireLine& line) {
-    if (message == kValues) {
-        const auto request = decode_value_request(body);
-        if (!request)
-            return false;
-        line.number("sub", request->sub).number("number", request->number);
-        describe_entries(request->entries, line);
-        return true;
-    }
-    const auto value = wire::find_tlv(body, 0x01);
-    if (message != kFeature || !value || value->size != 4)
-        return false;
-    line.number("value", wire::Reader(*value).u32());
-    if (const auto first = wire::find_tlv(body, 0x10))
-        line.number("first", wire::Reader(*first).u8());
-    if (const auto second = wire::find_tlv(body, 0x11))
-        line.number("second", wire::Reader(*second).u8());
-    return true;
-}
-
-bool describe_response(uint16_t message, wire::View body, WireLine& line) {
-    const auto list = wire::find_tlv(body, 0x10);
-    const auto entries = decode_list(list);
-    if (!describe_result(body, line) || (list && (message != kValues || !entries)))
-        return false;
-    if (entries)
-        describe_entries(*entries, line);
-    return true;
+bool section_has_fields(const Section& section, uint32_t id) {
+    const messages::Record* known = messages::record(id);
+    return known != nullptr && std::any_of(known->layout->begin(), known->layout->end(),
+                                           [&](const auto& field) { return section.has(field.name); });
 }
 
 // Where a profile's value for one data id and subscription stands for another, more or less.
 void read_value(Section& section, uint32_t id, uint16_t sub, StatisticsValue& value) {
     value = {id, sub, 0, read_record(section, id, sub), 1};
-    if (value.bytes.empty())
-        section.require("raw");
+    if (value.bytes.empty() && !section.has("raw")) {
+        std::string known;
+        for (const messages::Record& record : messages::records())
+            known += (known.empty() ? "" : ", ") + std::to_string(record.id);
+        section.fail("id",
+                     "no record is known by this data id, only by " + known + "; \"raw\" gives the bytes");
+    }
+    if (!value.bytes.empty() && section.has("raw") && section_has_fields(section, id))
+        section.fail("raw", "the record's fields are given already");
     section.bytes("raw", value.bytes, kValueMax);
     uint16_t length = static_cast<uint16_t>(value.bytes.size());
     section.integer<uint16_t>("length", length, 0, kValueMax);
@@ -138,7 +118,8 @@ void read_value(Section& section, uint32_t id, uint16_t sub, StatisticsValue& va
 }  // namespace
 
 StatisticsProfile::StatisticsProfile() {
-    for (const uint32_t id : record_ids()) {
+    for (const messages::Record& record : messages::records()) {
+        const uint32_t id = record.id;
         for (uint16_t sub = 0; sub < kSubscriptions; ++sub) {
             StatisticsValue& value = values[{id, sub}];
             value = {id, sub, 0, default_record(id, sub), 1};
@@ -213,23 +194,6 @@ void StatisticsService::connection_opened(ConnectionId connection) {
         if (indication.on == StatisticsOccasion::kConnection)
             indicate(indication.message, indication.body, connection);
     }
-}
-
-std::string StatisticsService::message_name(uint16_t message) const {
-    return message == kFeature ? "feature" : message == kValues ? "values" : indication_name(message);
-}
-
-void StatisticsService::describe(wire::QmiFlags kind, uint16_t message, wire::View body,
-                                 WireLine& line) const {
-    WireLine decoded = line;
-    const bool whole = kind == wire::kQmiRequest      ? describe_request(message, body, decoded)
-                       : kind == wire::kQmiResponse   ? describe_response(message, body, decoded)
-                       : kind == wire::kQmiIndication ? describe_indication(message, body, decoded)
-                                                      : false;
-    if (whole)
-        line = decoded;
-    else
-        QmiService::describe(kind, message, body, line);
 }
 
 }  // namespace handset

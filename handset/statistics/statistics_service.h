@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <map>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -40,8 +39,6 @@ public:
 
     QmiAnswer handle(const QmiRequest& request) override;
     void connection_opened(ConnectionId connection) override;
-    std::string message_name(uint16_t message) const override;
-    void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const override;
 
 private:
     wire::Bytes set_feature(const QmiRequest& request);

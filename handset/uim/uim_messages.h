@@ -1,4 +1,4 @@
-// Messages and TLVs of the UIM service, shared by what answers them and what logs them.
+// Messages and TLVs of the UIM service, by number.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,6 @@
 #include "wire.h"
 
 namespace handset {
-
-class WireLine;
 
 enum UimMessage : uint16_t {
     kUimGetCardStatus = 47,
@@ -55,10 +53,5 @@ inline std::optional<wire::View> uim_counted(wire::View value, size_t width) {
         return std::nullopt;
     return bytes;
 }
-
-const char* uim_message_name(uint16_t message);
-
-/// For the wire log: the fields that a body's TLVs hold, then the body.
-void describe_uim(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line);
 
 }  // namespace handset

@@ -201,12 +201,4 @@ wire::Bytes UimService::send_apdu(uint8_t slot, const QmiRequest& request) {
     return body.take();
 }
 
-std::string UimService::message_name(uint16_t message) const {
-    return uim_message_name(message);
-}
-
-void UimService::describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const {
-    describe_uim(kind, message, body, line);
-}
-
 }  // namespace handset

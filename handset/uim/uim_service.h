@@ -2,8 +2,6 @@
 // bytes on the wire. What the slots do is UimSlots's.
 #pragma once
 
-#include <string>
-
 #include "qmi_service.h"
 #include "uim_profile.h"
 #include "uim_slots.h"
@@ -18,8 +16,6 @@ public:
                const EuiccProfile& euicc);
 
     QmiAnswer handle(const QmiRequest& request) override;
-    std::string message_name(uint16_t message) const override;
-    void describe(wire::QmiFlags kind, uint16_t message, wire::View body, WireLine& line) const override;
 
 private:
     wire::Bytes handle_slot(uint8_t slot, const QmiRequest& request);

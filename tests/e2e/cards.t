@@ -47,10 +47,10 @@ Card slots: status, type, and the hot-swap test.
   data len(12)
   data: 38 00 00 00 04 00 00 00 02 00 00 00
   $ asked
-  id=4 data_len=512 form="tlv" code=39 value=[] data=[02 00 00 00 00 00 00 00 27 (+503 zero)]
-  id=4 data_len=512 form="tlv" code=55 value=[01 00 00 00] data=[02 00 00 00 00 00 00 00 37 00 00 00 04 00 00 00 01 (+495 zero)]
-  id=4 data_len=512 form="tlv" code=57 value=[00 00 00 00 01 00 00 00 01 00 00 00] data=[02 00 00 00 00 00 00 00 39 00 00 00 0C 00 00 00 00 00 00 00 01 00 00 00 01 (+487 zero)]
-  id=4 data_len=512 form="tlv" code=56 value=[] data=[02 00 00 00 00 00 00 00 38 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=39 command="card_status_query" value=[] data=[02 00 00 00 00 00 00 00 27 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=55 command="card_status_get" value=[01 00 00 00] data=[02 00 00 00 00 00 00 00 37 00 00 00 04 00 00 00 01 (+495 zero)]
+  id=4 data_len=512 form="tlv" code=57 command="card_status_set" value=[00 00 00 00 01 00 00 00 01 00 00 00] data=[02 00 00 00 00 00 00 00 39 00 00 00 0C 00 00 00 00 00 00 00 01 00 00 00 01 (+487 zero)]
+  id=4 data_len=512 form="tlv" code=56 command="card_type_query" value=[] data=[02 00 00 00 00 00 00 00 38 (+503 zero)]
 
 The card of a slot is pulled and pushed by its detect line's level.
 
@@ -131,9 +131,9 @@ Started with waits, it goes on behind the tool; stopped, it puts the card back.
     hot-swaps  0 of 3
   
   $ asked | grep 'code=80'
-  id=4 data_len=512 form="tlv" code=80 value=[01 00 00 00 00 00 00 00 00 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 03 (+483 zero)]
-  id=4 data_len=512 form="tlv" code=80 value=[01 00 00 00 05 00 00 00 05 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 05 00 00 00 05 00 00 00 03 (+483 zero)]
-  id=4 data_len=512 form="tlv" code=80 value=[00 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 04 (+499 zero)]
+  id=4 data_len=512 form="tlv" code=80 command="hotswap" value=[01 00 00 00 00 00 00 00 00 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 03 (+483 zero)]
+  id=4 data_len=512 form="tlv" code=80 command="hotswap" value=[01 00 00 00 05 00 00 00 05 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 05 00 00 00 05 00 00 00 03 (+483 zero)]
+  id=4 data_len=512 form="tlv" code=80 command="hotswap" value=[00 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 04 (+499 zero)]
 
 A handset with one slot, and one without; a modem that refuses is no error of the command.
 

@@ -154,7 +154,7 @@ Without a result. The process may end before its worker gets anywhere.
 What the modem heard and said.
 
   $ vxk-handset log --dir "$VXK_HANDSET_DIR" | grep -aE ' diag [12] ' | cut -d ' ' -f 3- | cut -c 1-80
-  diag 1 -- connected
+  diag 1 -- connected pid=\d+ command="vxk 5 0 0 0 3000 0x00" (re)
   diag 1 -> open(1)
   diag 1 <- open(1) result=1
   diag 1 -> remote_mask(2)
@@ -167,7 +167,7 @@ What the modem heard and said.
   diag 1 -> switch_logging(3) mode=1
   diag 1 <- switch_logging(3) result=0
   diag 1 -- closed
-  diag 2 -- connected
+  diag 2 -- connected pid=\d+ command="vxk 5 0 1 0 3000 0x00" (re)
   diag 2 -> open(1)
   diag 2 <- open(1) result=1
   diag 2 -> dci_register(5) peripherals=2 processor=0

@@ -49,8 +49,8 @@ it and succeeds.
   kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   $ asked
-  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
-  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
   $ show modem; show maintenance
   modem
     state     up
@@ -148,8 +148,8 @@ change. The handset reboots each time.
   $ asked
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" offset=0 data=[04 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 (+463 zero)]
   id=2 data_len=512 command="efs_write" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" total=4 offset=0 chunk=4 data=[05 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 01 (+423 zero)]
-  id=4 data_len=512 form="tlv" code=31 value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
-  id=4 data_len=512 form="tlv" code=31 value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
   $ property $level; property ${level}_bak; efs 0/nv/item_files/modem/kelvra/ssr_update_count
   ALL_DISABLE
   ALL_ENABLE
@@ -227,11 +227,11 @@ Print switches: on, off, and off once more, which finds no file.
   kelvra_efs_delete failed
   $ asked
   id=2 data_len=512 command="efs_write" sub=0 path="/kolvo/kolvo_print_mask" total=4 offset=0 chunk=4 data=[05 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 1F (+423 zero)]
-  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
-  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
-  id=4 data_len=512 form="tlv" code=35 value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
-  id=4 data_len=512 form="tlv" code=31 value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
+  id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
+  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
   $ answer 11 5 1
   bp_qmi_print, opt = 1
@@ -319,10 +319,10 @@ Antenna configurations: the modem keeps them in two files.
   
   $ asked
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
-  id=4 data_len=512 form="gpio" code=0 data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
+  id=4 data_len=512 form="gpio" code=0 command="gpio" data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
-  id=4 data_len=512 form="tx_antenna" code=1 data=[01 00 00 00 00 00 00 00 01 00 00 00 04 00 00 00 80 (+495 zero)]
-  id=4 data_len=512 form="tx_antenna" code=1 data=[01 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 00 08 (+490 zero)]
+  id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 01 00 00 00 04 00 00 00 80 (+495 zero)]
+  id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 00 08 (+490 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" offset=0 data=[04 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" data=[06 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]

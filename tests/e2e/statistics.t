@@ -138,14 +138,14 @@ Every session is a connection of its own: the feature, then one value. Nothing i
   $ vxk-handset log | grep -c 'qmi/statistics .* request values'
   33
   $ vxk-handset log | grep -F 'qmi/statistics 14 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
-  qmi/statistics 14 -- connected
+  qmi/statistics 14 -- connected pid=\d+ command="vxk 9 6 1" (re)
   qmi/statistics 14 -> request feature(3) #1 value=2 first=1 second=0
   qmi/statistics 14 <- response feature(3) #1 result=0 error=0
-  qmi/statistics 14 -> request values(519) #2 sub=1 number=1 entries=1 sub=0 type=0 id=108 value=[]
-  qmi/statistics 14 <- response values(519) #2 result=0 error=0 entries=1 sub=1 type=0 id=108 value=[01 02 84 07 00 00 42 01 01 0F 00 00 80 BE C2 00 00 48 C1 00 80 84 C2 00 00 70 41 00 00 C2 C2 00 00 54 C1 00 00 88 C2 00 00 54 41 00 80 CA C2 00 00 70 C1 00 00 91 C2 00 00 20 41 00 00 CC C2 00 00 7C C1 00 80 92 C2 00 00 0C 41]
+  qmi/statistics 14 -> request values(519) #2 sub=1 number=1 entries=1 entries.0.sub=0 entries.0.type=0 entries.0.id=108 entries.0.value=[]
+  qmi/statistics 14 <- response values(519) #2 result=0 error=0 entries=1 entries.0.sub=1 entries.0.type=0 entries.0.id=108 entries.0.version=1 entries.0.version_ssmr=2 entries.0.earfcn=1924 entries.0.pci=322 entries.0.is_srv_cell=1 entries.0.rx_valid=15 entries.0.rsrp_rx0=-95.25 entries.0.rsrq_rx0=-12.5 entries.0.rssi_rx0=-66.25 entries.0.snr_rx0=15 entries.0.rsrp_rx1=-97 entries.0.rsrq_rx1=-13.25 entries.0.rssi_rx1=-68 entries.0.snr_rx1=13.25 entries.0.rsrp_rx2=-101.25 entries.0.rsrq_rx2=-15 entries.0.rssi_rx2=-72.5 entries.0.snr_rx2=10 entries.0.rsrp_rx3=-102 entries.0.rsrq_rx3=-15.75 entries.0.rssi_rx3=-73.25 entries.0.snr_rx3=8.75 entries.0.value=[01 02 84 07 00 00 42 01 01 0F 00 00 80 BE C2 00 00 48 C1 00 80 84 C2 00 00 70 41 00 00 C2 C2 00 00 54 C1 00 00 88 C2 00 00 54 41 00 80 CA C2 00 00 70 C1 00 00 91 C2 00 00 20 41 00 00 CC C2 00 00 7C C1 00 80 92 C2 00 00 0C 41]
   qmi/statistics 14 -- closed
   $ vxk-handset log | grep -F 'qmi/statistics 35 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
-  qmi/statistics 35 -- connected
+  qmi/statistics 35 -- connected pid=\d+ command="vxk 9 0 2" (re)
   qmi/statistics 35 -> request feature(3) #1 value=2 first=1 second=0
   qmi/statistics 35 <- response feature(3) #1 result=0 error=0
   qmi/statistics 35 -- closed
@@ -329,7 +329,7 @@ The SAR index. The error of an answer is not looked at, and an index that is not
   RIL[kelvra_get_sar_dsi:#]: function exit <-------------
   SAR DSI: -1
   $ vxk-handset log | grep -F 'qmi/sar 4 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
-  qmi/sar 4 -- connected
+  qmi/sar 4 -- connected pid=\d+ command="vxk 5 5" (re)
   qmi/sar 4 -> request get_dsi(2) #1
   qmi/sar 4 <- response get_dsi(2) #1 result=0 error=0 dsi=4294967295
   qmi/sar 4 -- closed
@@ -351,12 +351,12 @@ What the service says unasked changes no measurement.
   $ vxk-handset log | grep -F 'qmi/statistics 1 <- ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
   qmi/statistics 1 <- indication state(1537) #0 state=3
   qmi/statistics 1 <- indication status(4) #0 value=5 first=2 second=0
-  qmi/statistics 1 <- indication report(515) #0 value=6 first=1 id=1 first=2 second=3 value=[04 05] second=1 id=0 first=0 second=0 value=[] last=7
+  qmi/statistics 1 <- indication report(515) #0 value=6 first=1 first.0.id=1 first.0.first=2 first.0.second=3 first.0.value=[04 05] second=1 second.0.id=0 second.0.first=0 second.0.second=0 second.0.value=[] last=7
   qmi/statistics 1 <- indication bytes(516) #0 value=8 bytes=[09 0A] first=11 second=12
-  qmi/statistics 1 <- indication bytes(516) #0 0x01=[08 00 00 00] 0x02=[05 01]
+  qmi/statistics 1 <- indication bytes(516) #0 value=8 0x02=[05 01]
   qmi/statistics 1 <- indication message(99) #0 0x01=[]
   qmi/statistics 1 <- response feature(3) #1 result=0 error=0
-  qmi/statistics 1 <- response values(519) #2 result=0 error=0 entries=1 sub=0 type=0 id=111 value=[01 00 00 7E C2 00 80 84 C2] fault="late"
+  qmi/statistics 1 <- response values(519) #2 result=0 error=0 entries=1 entries.0.sub=0 entries.0.type=0 entries.0.id=111 entries.0.version=1 entries.0.rx_prx=-63.5 entries.0.rx_drx=-66.25 entries.0.value=[01 00 00 7E C2 00 80 84 C2] fault="late"
   $ grep -oE 'KOLVO: vs_client_(unsol_ind_cb: [^f]|ind).*' "$VXK_HANDSET_DIR/log/system.log"
   KOLVO: vs_client_ind_hdlr: Handling indication msg 0x601
   KOLVO: vs_client_ind_hdlr: Handling indication msg 0x4

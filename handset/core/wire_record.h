@@ -1,0 +1,51 @@
+// The records of log/wire.raw: every packet and every event that the wire log tells of, as bytes. One record
+// is, all numbers little-endian:
+//
+//   u32 length of what follows
+//   u64 seconds, u32 nanoseconds since 1970
+//   u8  direction: 0 to the modem, 1 from it, 2 something happened
+//   u32 connection, 0 for none; u32 process behind it, 0 when it is unknown
+//   u8  length and the road with its service: "qmi/uim", "diag"
+//   u8  length and the name of the fault that struck
+//   u8  1: a packet follows; 0: the words of an event, as the line has them
+//   the rest
+//
+// A record that is cut short, as a killed handset or a full disk may leave it, is the last one.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "wire.h"
+
+namespace handset {
+
+enum class Direction : uint8_t { kToModem, kFromModem, kEvent };
+
+struct WireRecord {
+    std::string where;
+    uint32_t connection = 0;
+    Direction direction = Direction::kEvent;
+    pid_t pid = 0;
+    std::string fault;
+};
+
+void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet,
+                   std::string_view event);
+
+/// A record as it is read back; views are of the bytes that were read.
+struct ReadRecord : WireRecord {
+    timespec time{};
+    std::optional<wire::View> packet;
+    std::string_view event;
+};
+
+/// Takes the first record from the front of `bytes`, or nothing, and leaves them, when there is no whole one.
+std::optional<ReadRecord> take_record(wire::View& bytes);
+
+}  // namespace handset
