@@ -314,11 +314,9 @@ def label_of(service: str, name: str, fields: str) -> str:
     if service != "extension":
         return name
     command, form = field(fields, "command"), field(fields, "form")
-    if command:
-        return command
     if form in ("tlv", "direct"):
         return f"common {field(fields, 'code')}"
-    return form or f"raw {field(fields, 'id')}"
+    return form or command or f"raw {field(fields, 'id')}"
 
 
 def exchanges_of(wire: str) -> list[Exchange]:
