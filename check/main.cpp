@@ -156,6 +156,7 @@ int run(int argc, char** argv) {
     CLI::App app("Runs a command of vxk, judges what it prints, and shows the values of its answer",
                  "vxk-check");
     Options options;
+    app.set_version_flag("--version", "vxk-check " VXK_VERSION);
     add_options(app, options);
     try {
         // The parser takes its words from the back.

@@ -28,7 +28,7 @@ def transcript(document):
     yield "Examples of a document."
     yield ""
     yield "  $ set -o pipefail"
-    yield '  $ mkdir work && cd work && ln -s "$VXK_BUILD" build'
+    yield '  $ mkdir work && cd work && ln -s "$VXK_BUILD" build && ln -s "$VXK_DOCS" docs'
     yield "  $ exec 2> ../errors"
     profiles = 0
     kind = None

@@ -34,6 +34,9 @@ LINES = {
     "vxk-handset run -- vxk-h": ["vxk-handset"],
     "vxk-handset run --dir x -- vxk 5 1": ["1", "10"],
     "vxk-handset run -- cat my\\ ": ["my profile.json"],
+    "vxk-check --js": ["--json"],
+    "vxk-check --plan my": ["my profile.json"],
+    "vxk-check --timeout 1 -- 5 1": ["1", "10"],
 }
 
 

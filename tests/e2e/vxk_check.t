@@ -316,6 +316,33 @@ A plan on three handsets at once: a table, one object, a file for the build serv
   0
   [1]
 
+The manual's table is this program's, and the manual's station finds the handsets that adb has.
+
+  $ vxk-check --table markdown | diff - <(sed -n '/^| `vxk` /,$p' "$TESTDIR/../../docs/scripting.md")
+  $ vxk-check --table -- 4 5 0 /x 1; vxk-check --table -- 5 7
+  [
+    {
+      "words": "4 5 SUB PATH BYTE...",
+      "does": "write a file",
+      "success": [],
+      "failure": [
+        "kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS"
+      ],
+      "values": "",
+      "verify": "4 4 SUB PATH",
+      "unknown": ""
+    }
+  ]
+  []
+  [2]
+  $ mkfifo station; "$TESTDIR/../../docs/scripting/factory-station" plan results > station 2>&1 & station=$!
+  $ read -r line < station; kill $station; echo "$line"; grep -c "type 2" results/S1.txt; ls results
+  S1: PASS
+  1
+  S1.html
+  S1.txt
+  S1.xml
+
 A measurement that is repeated: CSV in a pipe and its summary beside it, a live table on a terminal, until it is interrupted.
 
   $ boot '{"faults": [{"service": "statistics", "message": 519, "skip": 1, "action": "result", "result": 1}]}'
