@@ -4,6 +4,7 @@ scripts tell about themselves.
 
 usage: help_test.py SOURCE_FOLDER PROGRAM_FOLDER
 """
+import json
 import os
 import pty
 import re
@@ -92,6 +93,11 @@ for name, found in (
     ("vxk.1", pairs(r'^\.BI? "(\d+) (\d+)\b', (SOURCE / "packaging/man/vxk.1").read_text())),
 ):
     compare(name, {**listed, "10": {"0"}}, dict(found))
+
+verdicts = subprocess.run([PROGRAMS / "vxk-check", "--table"], stdout=subprocess.PIPE, text=True, check=True).stdout
+for option, subs in listed.items():
+    judged = "".join(row["words"] + "\n" for row in json.loads(verdicts)).replace("4|5|6", "4\n11 5\n11 6")
+    compare("vxk-check", subs, pairs(r"^(\d+) (\d+)\b", judged)[option])
 
 for shell in SHELLS:
     with tempfile.TemporaryDirectory() as folder:
