@@ -67,17 +67,22 @@ void delete_item(Arguments& a) {
     kelvra_nv_delete(a.sub, a.number);
 }
 
+void check(const CommonResponse& response) {
+    require(response.arrived <= kCommonResponseMax, "no more than fits is told");
+    require(!response.is_whole() || response.result() != 0 || response.value_len() <= kCommonValueMax,
+            "a whole value lies in the response");
+}
+
 void ask_by_code(Arguments& a) {
-    a.buffer.bytes.resize(kCommonResponseMax);
-    a.buffer.length = 0;
-    kelvra_common_qmi_req(static_cast<uint32_t>(a.number), a.buffer.bytes.data(), &a.buffer.length);
+    CommonResponse response;
+    kelvra_common_qmi_req(static_cast<uint32_t>(a.number), &response);
+    check(response);
 }
 
 void ask_by_value(Arguments& a) {
-    a.buffer.bytes.resize(kCommonResponseMax);
-    a.buffer.length = 0;
-    kelvra_send_common_qmi_msg(static_cast<uint32_t>(a.number), a.data_len(), a.data.data(),
-                               a.buffer.bytes.data());
+    CommonResponse response;
+    kelvra_send_common_qmi_msg(static_cast<uint32_t>(a.number), a.data_len(), a.data.data(), &response);
+    check(response);
 }
 
 void send_cmn_command(Arguments& a) {

@@ -1,3 +1,5 @@
+// A command without a result: a detached worker sends it, keeps its road open for a while, and closes it.
+// Responses are only logged.
 #include <unistd.h>
 
 #include <cstddef>
@@ -7,6 +9,7 @@
 #include "kelvra_diag_send.h"
 #include "kelvra_diag_unit.h"
 #include "kelvra_log.h"
+#include "lock.h"
 
 namespace {
 
@@ -16,54 +19,81 @@ KELVRA_LOG_UNIT("kelvra_diag_send");
 constexpr unsigned kCallbackGraceMicroseconds = 200000;
 constexpr unsigned kDciGraceSeconds = 1;
 
-void dci_response(unsigned char* ptr, int len, void* data) {
-    kelvra_diag_cmd_response_by_dci_no_handle(ptr, len, data);
-}
-void dci_logs(unsigned char* ptr, int len) {
-    kelvra_diag_cmd_response_by_dci_log_stream_no_handle(ptr, len);
-}
-void dci_events(unsigned char* ptr, int len) {
-    kelvra_diag_cmd_response_by_dci_event_stream_no_handle(ptr, len);
+// Held by each worker for its whole run.
+pthread_mutex_t g_diag_async_mutex = PTHREAD_MUTEX_INITIALIZER;
+
+// A worker's command, one heap block, which the worker frees.
+struct DiagCmdParam {
+    int32_t length;
+    uint8_t bytes[1];  // `length` of them, and one spare
+};
+
+int kelvra_diag_cmd_response_by_callback_no_handle(unsigned char*, int len, void*) {
+    KELVRA_LOG_SCOPE();
+    KELVRA_LOGD("len = %d", len);
+    return 0;
 }
 
-void close_session() {
-    Diag_LSM_DeInit();
+void kelvra_diag_cmd_response_by_dci_no_handle(unsigned char*, int len, void*) {
+    KELVRA_LOG_SCOPE();
+    KELVRA_LOGD("len = %d", len);
 }
 
-// A worker's run around what it sends.
-void run_worker(const char* function, void* param,
-                void (*send)(const char* function, DiagCmdParam& command)) {
+void kelvra_diag_cmd_response_by_dci_log_stream_no_handle(unsigned char*, int len) {
+    KELVRA_LOG_SCOPE();
+    KELVRA_LOGD("len = %d", len);
+}
+
+void kelvra_diag_cmd_response_by_dci_event_stream_no_handle(unsigned char*, int len) {
+    KELVRA_LOG_SCOPE();
+    KELVRA_LOGD("len = %d", len);
+}
+
+constexpr DiagDciListeners kListeners = {kelvra_diag_cmd_response_by_dci_log_stream_no_handle,
+                                         kelvra_diag_cmd_response_by_dci_event_stream_no_handle,
+                                         kelvra_diag_cmd_response_by_dci_no_handle};
+
+void send_by_callback(const char* function, DiagCmdParam& command) {
+    const DiagCallbackRoad road(kelvra_diag_cmd_response_by_callback_no_handle);
+    DiagCallbackRoad::send(function, command.bytes, command.length);
+    usleep(kCallbackGraceMicroseconds);
+}
+
+void send_by_dci(const char* function, DiagCmdParam& command, DiagSession& session) {
+    DiagDciRoad road(function, session);
+    if (road.send(command.bytes, command.length, kListeners))
+        sleep(kDciGraceSeconds);
+}
+
+void run_worker(const char* function, void* param, bool dci) {
     diag_name_this_thread();
-    const DiagLock one_worker_at_a_time(g_diag_async_mutex);
+    const Lock one_worker_at_a_time(g_diag_async_mutex);
     if (param == nullptr) {
         KELVRA_LOGD_AS(function, "param is null");
         return;
     }
     auto* const command = static_cast<DiagCmdParam*>(param);
     KELVRA_LOGD_AS(function, "data_len = %d", command->length);
-    if (Diag_LSM_Init(nullptr))
-        send(function, *command);
-    else
+    DiagSession session(DiagSession::kWorker);
+    if (!session.is_open())
         KELVRA_LOGD_AS(function, "LSM init failed");
+    else if (dci)
+        send_by_dci(function, *command, session);
+    else
+        send_by_callback(function, *command);
     free(command);
 }
 
-void send_by_callback(const char* function, DiagCmdParam& command) {
-    diag_send_by_callback(function, kelvra_diag_cmd_response_by_callback_no_handle, command.bytes,
-                          command.length);
-    usleep(kCallbackGraceMicroseconds);
-    diag_leave_callback_road();
-    close_session();
+void* kelvra_diag_cmd_send_without_result_by_callback_mode_thread_proc(void* param) {
+    KELVRA_LOG_SCOPE();
+    run_worker(__func__, param, false);
+    return nullptr;
 }
 
-int sleep_out_grace(const void*) {
-    sleep(kDciGraceSeconds);
-    return 0;
-}
-
-void send_by_dci(const char* function, DiagCmdParam& command) {
-    diag_run_dci({function, command.bytes, command.length, dci_logs, dci_events, dci_response,
-                  sleep_out_grace, nullptr, close_session});
+void* kelvra_diag_cmd_send_without_result_by_dci_mode_thread_proc(void* param) {
+    KELVRA_LOG_SCOPE();
+    run_worker(__func__, param, true);
+    return nullptr;
 }
 
 }  // namespace
@@ -92,41 +122,5 @@ int kelvra_diag_cmd_send_without_result_start_thread(const uint8_t* cmd, int cmd
     if (result != 0)
         free(command);
     KELVRA_LOGD("kelvra daig is created, conf = %d, diag_work_mode = %d", result, diag_work_mode);
-    return 0;
-}
-
-void* kelvra_diag_cmd_send_without_result_by_callback_mode_thread_proc(void* param) {
-    KELVRA_LOG_SCOPE();
-    run_worker(__func__, param, send_by_callback);
-    return nullptr;
-}
-
-void* kelvra_diag_cmd_send_without_result_by_dci_mode_thread_proc(void* param) {
-    KELVRA_LOG_SCOPE();
-    run_worker(__func__, param, send_by_dci);
-    return nullptr;
-}
-
-int kelvra_diag_cmd_response_by_callback_no_handle(unsigned char*, int len, void*) {
-    KELVRA_LOG_SCOPE();
-    KELVRA_LOGD("len = %d", len);
-    return 0;
-}
-
-int kelvra_diag_cmd_response_by_dci_no_handle(unsigned char*, int len, void*) {
-    KELVRA_LOG_SCOPE();
-    KELVRA_LOGD("len = %d", len);
-    return 0;
-}
-
-int kelvra_diag_cmd_response_by_dci_log_stream_no_handle(unsigned char*, int len) {
-    KELVRA_LOG_SCOPE();
-    KELVRA_LOGD("len = %d", len);
-    return 0;
-}
-
-int kelvra_diag_cmd_response_by_dci_event_stream_no_handle(unsigned char*, int len) {
-    KELVRA_LOG_SCOPE();
-    KELVRA_LOGD("len = %d", len);
     return 0;
 }

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
-#include <mutex>
 
 #include "kelvra_log.h"
 #include "little_endian.h"
+#include "lock.h"
 
 namespace {
 
@@ -73,7 +73,7 @@ constexpr qmi_idl_service_object kService{6, 1, 0xFFE4, kMaxEncoded, kMessages, 
 // The client, made at the first exchange and kept: read and written under g_extend_mutex alone, which is held
 // across the connection and each whole exchange.
 constexpr qmi_idl_service_object_type g_extend_service_object = &kService;
-std::mutex g_extend_mutex;
+pthread_mutex_t g_extend_mutex = PTHREAD_MUTEX_INITIALIZER;
 qmi_client_type g_extend_client_handle;
 qmi_client_os_params g_extend_os_params;
 qmi_client_type g_extend_notifier;
@@ -157,10 +157,13 @@ static_assert(sizeof(CommonRequest) == kExtendPayloadMax && offsetof(CommonReque
 
 constexpr uint32_t kValueForm = 2;
 
-int send_common(const CommonRequest& request, void* rsp, uint32_t* rsp_len) {
-    *rsp_len = kCommonResponseMax;
-    return kelvra_extend_qmi_send_sync(REQUEST_ID_COMMON, reinterpret_cast<const uint8_t*>(&request),
-                                       sizeof request, rsp, rsp_len);
+int send_common(const CommonRequest& request, CommonResponse* rsp) {
+    *rsp = {};
+    uint32_t rsp_len = sizeof rsp->bytes;
+    const int result = kelvra_extend_qmi_send_sync(
+        REQUEST_ID_COMMON, reinterpret_cast<const uint8_t*>(&request), sizeof request, rsp->bytes, &rsp_len);
+    rsp->arrived = result == kExtendOk ? rsp_len : 0;
+    return result;
 }
 
 }  // namespace
@@ -169,18 +172,18 @@ int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int da
                                 uint32_t* rsp_len) {
     if (data == nullptr || rsp_buf == nullptr || rsp_len == nullptr) {
         kelvra_printf("%x,  put Invalid param\n", static_cast<unsigned>(reinterpret_cast<uintptr_t>(data)));
-        return -1;
+        return kExtendBadArgument;
     }
     if (data_len < 0 || static_cast<uint32_t>(data_len) > kExtendPayloadMax || *rsp_len > kExtendPayloadMax) {
         kelvra_printf("put data_len %d > max %d\n", data_len, kExtendPayloadMax);
-        return -1;
+        return kExtendBadArgument;
     }
 
-    const std::lock_guard<std::mutex> lock(g_extend_mutex);
+    const Lock lock(g_extend_mutex);
     if (g_extend_client_handle == nullptr)
         connect();
     if (g_extend_client_handle == nullptr)
-        return finished(-2);
+        return finished(kExtendNoClient);
 
     g_extend_req = {};
     g_extend_rsp = {};
@@ -189,12 +192,12 @@ int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int da
     g_extend_req.data_valid = 1;
     memcpy(g_extend_req.data, data, g_extend_req.data_len);
     if (!exchange())
-        return finished(-3);
+        return finished(kExtendFailed);
 
     *rsp_len = g_extend_rsp.data_valid != 0 ? std::min(*rsp_len, g_extend_rsp.data_len) : 0;
     memcpy(rsp_buf, g_extend_rsp.data, *rsp_len);
     kelvra_printf("kelvra_extend_qmi_send_sync resp_len:%d\n", *rsp_len);
-    return finished(0);
+    return finished(kExtendOk);
 }
 
 void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void* buf, unsigned int buf_len,
@@ -211,62 +214,67 @@ void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void*
         kelvra_printf("Indicaion: %d greater than maximum known indication.\n", indication.id);
 }
 
-int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, void* rsp, uint32_t* rsp_len) {
-    memset(rsp, 0, kCommonResponseMax);
+int32_t CommonResponse::result() const {
+    return arrived < kResultAt + 4 ? 0 : get_le<int32_t>(bytes + kResultAt);
+}
+
+int32_t CommonResponse::length_word() const {
+    return arrived < kLengthAt + 4 ? 0 : get_le<int32_t>(bytes + kLengthAt);
+}
+
+bool CommonResponse::is_whole(uint32_t needed) const {
+    if (arrived < kResultAt + 4)
+        return false;
+    if (result() != 0)
+        return true;
+    return arrived >= kValueAt && value_len() <= arrived - kValueAt && value_len() >= needed;
+}
+
+int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, CommonResponse* rsp) {
+    if (l > kCommonValueMax)
+        return kExtendBadArgument;
     CommonRequest request{};
     put_le(request.form, kValueForm);
     put_le(request.type, t);
     put_le(request.length, l);
     if (l != 0)
         memcpy(request.value, v, l);
-    return send_common(request, rsp, rsp_len);
+    return send_common(request, rsp);
 }
 
-int kelvra_common_qmi_req(uint32_t type, void* rsp, uint32_t* arrived) {
-    KELVRA_LOG_ENTRY();
+int kelvra_common_qmi_req(uint32_t type, CommonResponse* rsp) {
+    KELVRA_LOG_SCOPE();
     if (rsp == nullptr) {
         KELVRA_LOGD("rsp is NULL");
-        return -1;
+        return kExtendBadArgument;
     }
-    memset(rsp, 0, kCommonValueOffset);
     CommonRequest request{};
     put_le(request.form, type);
-    uint32_t rsp_len = 0;
-    const int result = send_common(request, rsp, &rsp_len);
-    if (arrived != nullptr && result == 0)
-        *arrived = rsp_len;
-    KELVRA_LOG_EXIT();
-    return result;
+    return send_common(request, rsp);
 }
 
-int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, void* rsp) {
-    KELVRA_LOG_ENTRY();
+int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, CommonResponse* rsp) {
+    KELVRA_LOG_SCOPE();
     KELVRA_LOGD("t %d", t);
     if (rsp == nullptr) {
         KELVRA_LOGD("rsp is NULL");
-        return -1;
+        return kExtendBadArgument;
     }
-    memset(rsp, 0, kCommonResponseMax);
     KELVRA_LOGD("l %d", l);
     if (l != 0 && v == nullptr) {
         KELVRA_LOGD("v is null");
-        return -1;
+        return kExtendBadArgument;
     }
-    if (l > kCommonValueMax)
-        return -1;
-    uint32_t rsp_len = 0;
-    const int result = kelvra_common_value_exchange(t, l, v, rsp, &rsp_len);
-    KELVRA_LOG_EXIT();
-    return result;
+    return kelvra_common_value_exchange(t, l, v, rsp);
 }
 
 int kelvra_qmi_result_map(int result) {
     int mapped = result;
-    if (result == -1)
+    if (result == kExtendBadArgument)
         mapped = kChannelBadArgument;
-    else if (result == -2)
+    else if (result == kExtendNoClient)
         mapped = kChannelNoClient;
-    else if (result == -3)
+    else if (result == kExtendFailed)
         mapped = kChannelFailed;
     KELVRA_LOGD("kelvra_qmi_result_map, old_result %d, new_result %d", result, mapped);
     return mapped;

@@ -14,22 +14,46 @@ constexpr uint32_t kExtendPayloadMax = 512;
 constexpr uint32_t REQUEST_ID_NV_EFS = 2;
 constexpr uint32_t REQUEST_ID_COMMON = 4;
 
-/// What a common request takes for its response, in bytes; its first 16 are the header.
+/// What a common request takes for its response, in bytes.
 constexpr uint32_t kCommonResponseMax = 508;
 
-/// Where a common response keeps what.
-constexpr uint32_t kCommonResultOffset = 4;   // u32, 0 success
-constexpr uint32_t kCommonEchoOffset = 8;     // u32
-constexpr uint32_t kCommonLengthOffset = 12;  // u32, bytes of the value
-constexpr uint32_t kCommonValueOffset = 16;
+/// The response to a common request, which is not to be trusted: its bytes, zero behind what arrived, and how
+/// to read them.
+///   0 u32   4 i32 result, 0 success   8 u32 echo word   12 i32 bytes of the value   16 value
+struct CommonResponse {
+    static constexpr uint32_t kResultAt = 4;
+    static constexpr uint32_t kEchoAt = 8;
+    static constexpr uint32_t kLengthAt = 12;
+    static constexpr uint32_t kValueAt = 16;
+
+    uint8_t bytes[kCommonResponseMax] = {};
+    uint32_t arrived = 0;
+
+    /// The modem's result; 0 when it did not arrive.
+    int32_t result() const;
+    /// The length word as it came; 0 when it did not arrive.
+    int32_t length_word() const;
+    /// Whether a result arrived and, where it is 0, a value of the length that the header tells, at least
+    /// `needed` bytes.
+    bool is_whole(uint32_t needed = 0) const;
+
+    /// The value and its length, of a response that is whole.
+    const uint8_t* value() const { return bytes + kValueAt; }
+    uint32_t value_len() const { return static_cast<uint32_t>(length_word()); }
+};
 
 /// The most bytes of a value in the type-length-value form.
 constexpr uint32_t kCommonValueMax = kExtendPayloadMax - 16;
 
+/// The channel's results.
+constexpr int kExtendOk = 0;
+constexpr int kExtendBadArgument = -1;
+constexpr int kExtendNoClient = -2;
+constexpr int kExtendFailed = -3;
+
 /// One exchange. Sends data_len bytes (at most 512); *rsp_len is the capacity of rsp_buf (at most 512) and
 /// becomes the number of bytes copied there: a longer response is cut. The first call waits, without limit,
-/// for the service to be published. Returns 0, -1 for bad arguments, -2 when no client could be made, -3 when
-/// the exchange failed. Any thread; exchanges are serialised.
+/// for the service to be published. Returns one of the results above. Any thread; exchanges are serialised.
 int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int data_len, void* rsp_buf,
                                 uint32_t* rsp_len);
 
@@ -37,23 +61,21 @@ int kelvra_extend_qmi_send_sync(uint32_t request_id, const uint8_t* data, int da
 void kelvra_extend_qmi_ind_cb(qmi_client_type handle, unsigned int msg_id, void* buf, unsigned int buf_len,
                               void* cb_data);
 
-/// A common request that is only a code. `rsp` holds kCommonResponseMax bytes: its header is zeroed first,
-/// what lies behind a shorter response stays as it was. *arrived, where given, becomes the number of bytes
-/// that arrived, on success. Returns the channel's result, -1 for a null rsp.
-int kelvra_common_qmi_req(uint32_t type, void* rsp, uint32_t* arrived = nullptr);
+/// A common request that is only a code. Returns the channel's result.
+int kelvra_common_qmi_req(uint32_t type, CommonResponse* rsp);
 
 /// A common request with a value: code t, l bytes at v (null only when l is 0), at most kCommonValueMax.
-/// `rsp` holds kCommonResponseMax bytes, zeroed first. Returns the channel's result, -1 for bad arguments.
-int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, void* rsp);
+/// Returns the channel's result.
+int kelvra_send_common_qmi_msg(uint32_t t, uint32_t l, const void* v, CommonResponse* rsp);
 
-/// The exchange of kelvra_send_common_qmi_msg without its log lines and checks; the arguments are good. Adds
-/// *rsp_len, the number of bytes that arrived.
-int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, void* rsp, uint32_t* rsp_len);
+/// The exchange of kelvra_send_common_qmi_msg without its log lines; v and rsp are not null.
+int kelvra_common_value_exchange(uint32_t t, uint32_t l, const void* v, CommonResponse* rsp);
 
 /// The tool's codes for the channel's results.
 constexpr int kChannelBadArgument = -101;
 constexpr int kChannelNoClient = -102;
 constexpr int kChannelFailed = -103;
 
-/// The tool's code for a channel result: the codes above for -1, -2 and -3; every other value is unchanged.
+/// The tool's code for a channel result: one of the codes above for a failure; every other value is
+/// unchanged.
 int kelvra_qmi_result_map(int result);

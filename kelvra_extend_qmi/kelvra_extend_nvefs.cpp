@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 
 #include "kelvra_extend_cmn.h"
 #include "kelvra_log.h"
 #include "little_endian.h"
+#include "lock.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ static_assert((kEfsFileLimit - 1 + kWriteChunk - 1) / kWriteChunk <= kExchangesM
               "the longest file is written in few enough exchanges");
 
 // Held across a whole transfer, so that the chunks of two threads never interleave.
-std::mutex g_efs_mutex;
+pthread_mutex_t g_efs_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 int response_fail(const char* function, int code) {
     KELVRA_LOGD_AS(function, "qmi response fail");
@@ -198,7 +198,7 @@ int kelvra_efs_read(int sub_id, const char* path, int path_len, uint8_t* buf, ui
         return refused;
     if (const int refused = check_read_buffer(__func__, buf, buf_len))
         return refused;
-    const std::lock_guard<std::mutex> lock(g_efs_mutex);
+    const Lock lock(g_efs_mutex);
     const Request request = file_request(__func__, kEfsRead, sub_id, path, path_len);
     const uint32_t capacity = *buf_len;
     *buf_len = 0;
@@ -214,7 +214,7 @@ int kelvra_efs_write(int sub_id, const char* path, int path_len, const uint8_t* 
     if (buf_len >= kEfsFileLimit)
         return refuse(__func__, "buf_len is invalid", kEfsBufLenInvalid);
 
-    const std::lock_guard<std::mutex> lock(g_efs_mutex);
+    const Lock lock(g_efs_mutex);
     Request request = file_request(__func__, kEfsWrite, sub_id, path, path_len);
     put_le(request.data_len_all, buf_len);
     int send_count = 0;
@@ -240,7 +240,7 @@ int kelvra_efs_delete(int sub_id, const char* path, int path_len) {
     KELVRA_LOGD("kelvra_efs_delete, sub_id %d, path_len: %d", sub_id, path_len);
     if (const int refused = check_path(__func__, sub_id, path, path_len))
         return refused;
-    const std::lock_guard<std::mutex> lock(g_efs_mutex);
+    const Lock lock(g_efs_mutex);
     return exchange(__func__, file_request(__func__, kEfsDelete, sub_id, path, path_len));
 }
 

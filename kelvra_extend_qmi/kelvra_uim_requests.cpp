@@ -22,9 +22,8 @@ constexpr int8_t kStateUntold = 3;
 constexpr uint8_t kIsdRAid[] = {0xA0, 0x00, 0x00, 0x05, 0x59, 0x10, 0x10, 0xFF,
                                 0xFF, 0xFF, 0xFF, 0x89, 0x00, 0x00, 0x01, 0x00};
 
-// Opens an operation, and logs in its name. False when there is no client.
+// Opens an operation in whose name it logs. False when there is no client.
 bool begin(const char* operation) {
-    KELVRA_LOGD_AS(operation, "function entry ------------->");
     if (SSR_Detected == 1) {
         KELVRA_LOGD_AS(operation, "SSR_Detected, try recovery");
         uim_qmi_client_recovery();
@@ -69,24 +68,24 @@ struct Blocks {
     std::unique_ptr<Response, Free> response;
 };
 
-// How far an exchange came, and the QMI library's result.
+// Whether a request went out, and the QMI library's result.
 struct Outcome {
-    enum { kNoClient, kNoMemory, kSent } reached;
+    bool sent;
     int result;
 };
 
-// All of an operation but its exit line: `fill` completes the request, `take` reads the response of a send
-// that succeeded and may turn the result into a failure of its own.
+// All of an operation: `fill` completes the request, `take` reads the response of a send that succeeded and
+// may turn the result into a failure of its own.
 template <typename Request, typename Response, typename Fill, typename Take>
 Outcome exchange(const char* operation, unsigned message, Fill fill, Take take) {
     if (!begin(operation)) {
         recover_if_needed(operation, kUimRequestFailed);
-        return {Outcome::kNoClient, kUimRequestFailed};
+        return {false, kUimRequestFailed};
     }
     const Blocks<Request, Response> blocks(operation);
     if (!blocks.allocated()) {
         KELVRA_LOGD_AS(operation, "%s malloc failed", operation);
-        return {Outcome::kNoMemory, kUimRequestFailed};
+        return {false, kUimRequestFailed};
     }
     fill(*blocks.request);
     const int sent = blocks.send(message);
@@ -98,7 +97,7 @@ Outcome exchange(const char* operation, unsigned message, Fill fill, Take take) 
         ++failed_cnt;
     }
     recover_if_needed(operation, sent);
-    return {Outcome::kSent, result};
+    return {true, result};
 }
 
 // Stores the result of the send in `result`; false when memory ran out.
@@ -152,6 +151,7 @@ void read_card_states(const char* operation, const uim_get_card_status_resp_msg_
 }  // namespace
 
 int kelvra_uim_request_uicc_power_ex(const KelvraUimPowerRequest* power) {
+    KELVRA_LOG_SCOPE();
     int result = kUimRequestFailed;
     if (begin(__func__)) {
         const bool sent =
@@ -165,23 +165,22 @@ int kelvra_uim_request_uicc_power_ex(const KelvraUimPowerRequest* power) {
     }
     KELVRA_LOGD("uicc_power_ex res = %d, failed_cnt = %d", result, failed_cnt);
     recover_if_needed(__func__, result);
-    KELVRA_LOG_EXIT();
     return result;
 }
 
 void kelvra_uim_request_eid(const uint8_t* slot, uint8_t eid[kEidLen]) {
-    const Outcome outcome = exchange<uim_get_eid_req_msg_v01, uim_get_eid_resp_msg_v01>(
+    KELVRA_LOG_SCOPE();
+    exchange<uim_get_eid_req_msg_v01, uim_get_eid_resp_msg_v01>(
         __func__, QMI_UIM_GET_EID_V01, [&](auto& request) { request.slot = *slot; },
         [&](const auto& response) {
-            if (response.resp.result == 0 && response.eid_valid != 0 && response.eid_len == kEidLen)
+            if (response.resp.result == 0 && response.eid_valid != 0)
                 memcpy(eid, response.eid, kEidLen);
             return QMI_NO_ERR;
         });
-    if (outcome.reached != Outcome::kNoMemory)
-        KELVRA_LOG_EXIT();
 }
 
 bool kelvra_uim_get_card_status(int8_t states[kCardSlots]) {
+    KELVRA_LOG_SCOPE();
     const char* const operation = __func__;
     std::fill_n(states, kCardSlots, int8_t{0});
     const Outcome outcome = exchange<uim_get_card_status_req_msg_v01, uim_get_card_status_resp_msg_v01>(
@@ -194,11 +193,11 @@ bool kelvra_uim_get_card_status(int8_t states[kCardSlots]) {
             read_card_states(operation, response, states);
             return QMI_NO_ERR;
         });
-    KELVRA_LOG_EXIT();
-    return outcome.reached == Outcome::kSent;
+    return outcome.sent;
 }
 
 int kelvra_uim_open_channel(uint8_t slot, uint8_t* channel) {
+    KELVRA_LOG_SCOPE();
     const char* const operation = __func__;
     *channel = 0;
     const Outcome outcome = exchange<uim_open_logical_channel_req_msg_v01, uim_logical_channel_resp_msg_v01>(
@@ -220,11 +219,11 @@ int kelvra_uim_open_channel(uint8_t slot, uint8_t* channel) {
             *channel = response.channel_id;
             return 0;
         });
-    KELVRA_LOG_EXIT();
     return outcome.result;
 }
 
 int kelvra_uim_send_apdu(const KelvraUimApdu* apdu, KelvraUimApduResponse* answer) {
+    KELVRA_LOG_SCOPE();
     const char* const operation = __func__;
     const Outcome outcome = exchange<uim_send_apdu_req_msg_v01, uim_send_apdu_resp_msg_v01>(
         operation, QMI_UIM_SEND_APDU_V01,
@@ -250,11 +249,11 @@ int kelvra_uim_send_apdu(const KelvraUimApdu* apdu, KelvraUimApduResponse* answe
             memcpy(answer->bytes, response.apdu, answer->length);
             return 0;
         });
-    KELVRA_LOG_EXIT();
     return outcome.result;
 }
 
 int kelvra_uim_close_channel(uint8_t slot, uint8_t channel) {
+    KELVRA_LOG_SCOPE();
     const char* const operation = __func__;
     const Outcome outcome = exchange<uim_logical_channel_req_msg_v01, uim_logical_channel_resp_msg_v01>(
         operation, QMI_UIM_LOGICAL_CHANNEL_V01,
@@ -265,12 +264,6 @@ int kelvra_uim_close_channel(uint8_t slot, uint8_t channel) {
             request.terminate_application_valid = 1;
             request.terminate_application = 1;
         },
-        [&](const auto& response) {
-            if (response.resp.result == 0)
-                return 0;
-            KELVRA_LOGD_AS(operation, "kelvra_uim_close_channel failed");
-            return kUimRequestFailed;
-        });
-    KELVRA_LOG_EXIT();
+        [&](const auto& response) { return response.resp.result == 0 ? 0 : kUimRequestFailed; });
     return outcome.result;
 }

@@ -21,7 +21,7 @@ int kelvra_uim_request_uicc_power_ex(const KelvraUimPowerRequest* power);
 
 constexpr int kEidLen = 16;
 
-/// Fills `eid`, or leaves it alone when the EID cannot be had.
+/// Fills `eid`, with zeros for what did not arrive of it, or leaves it alone when the EID cannot be had.
 void kelvra_uim_request_eid(const uint8_t* slot, uint8_t eid[kEidLen]);
 
 constexpr int kCardSlots = 2;

@@ -30,8 +30,14 @@ enum : int {
     MODEM_API_OK = 0,
     MODEM_API_FAILED = 1,
     MODEM_API_NO_MEMORY = 3,
+    MODEM_API_REFUSED = 4,
+    MODEM_API_BAD_REQUEST = 5,
     MODEM_API_NOT_USABLE = 7,
+    MODEM_API_NOT_READY = 8,
     MODEM_API_CLIENT_NOT_UP = 9,  // another client of the type exists and is not up
+    MODEM_API_ABORTED = 10,
+    MODEM_API_TIMEOUT = 11,
+    MODEM_API_NO_CONNECTION = 12,
     MODEM_API_TABLE_FULL = 14,
     MODEM_API_CLIENT_UP = 15  // another client of the type exists and is up
 };
@@ -55,8 +61,8 @@ extern int32_t g_kolvo_client_id;
 /// Prepares the table, once until modem_api_release, and the four service slots. Returns 0.
 int modem_api_init();
 
-/// Creates the only client of its type and connects it: up to ten attempts, one second apart. The callbacks
-/// may be null. Stores the new id in g_kolvo_client_id. Returns one of the result codes.
+/// Creates the only client of its type. That of the vs service is connected: up to ten attempts, one second
+/// apart. The callbacks may be null. Stores the new id in g_kolvo_client_id. Returns one of the result codes.
 int modem_api_init_client(modem_api_qmi_client_e_type type, modem_api_event_cb event_cb,
                           modem_api_op_status_cb op_status_cb);
 

@@ -1,7 +1,7 @@
-#include <pthread.h>
 #include <unistd.h>
 
 #include "android/log.h"
+#include "lock.h"
 #include "modem_api_slots.h"
 #include "qcril_memory_management.h"
 
@@ -65,8 +65,8 @@ int add_client(modem_api_client_info_type* client) {
     if (auto* slot = modem_api_service_slot(client->type); slot != nullptr)
         slot->status_hook = modem_api_operational_status_cb;
 
-    // Whatever the type, vs is the service that is connected: the other slots are only prepared.
-    if (vs_client_init(client->event_cb) == 0) {
+    // The vs service alone is connected: the other slots are only prepared.
+    if (client->type == MODEM_API_CLIENT_VS && vs_client_init(client->event_cb) == 0) {
         g_modem_api_client_table[id] = nullptr;
         return MODEM_API_FAILED;
     }
@@ -100,12 +100,12 @@ const modem_api_client_info_type* modem_api_client(int client_id) {
 
 int modem_api_init() {
     KOLVO_LOG(ANDROID_LOG_INFO, "function entry");
-    pthread_mutex_lock(&g_init_mutex);
+    Lock lock(g_init_mutex);
     if (g_init_count == 0) {
         reset_table();
         ++g_init_count;
     }
-    const int ret = pthread_mutex_unlock(&g_init_mutex);
+    const int ret = lock.unlock();
     vs_init();
     sar_init();
     nas_0_init();
@@ -158,7 +158,7 @@ void modem_api_operational_status_cb(modem_api_qmi_client_e_type type,
 void modem_api_free_client(int client_id) {
     KOLVO_LOG(ANDROID_LOG_INFO, "function entry");
     KOLVO_LOG(ANDROID_LOG_DEBUG, "client_id %d", client_id);
-    pthread_mutex_lock(&g_table_mutex);
+    Lock lock(g_table_mutex);
     if (modem_api_client(client_id) == nullptr) {
         KOLVO_LOG(ANDROID_LOG_ERROR, "client already freed");
     } else {
@@ -167,19 +167,19 @@ void modem_api_free_client(int client_id) {
         kolvo_free_adv(client);
         g_modem_api_client_table[client_id] = nullptr;
     }
-    pthread_mutex_unlock(&g_table_mutex);
+    lock.unlock();
     KOLVO_LOG(ANDROID_LOG_INFO, "function exit with ret %ld", 0L);
 }
 
 int modem_api_release() {
     KOLVO_LOG(ANDROID_LOG_INFO, "function entry");
-    pthread_mutex_lock(&g_init_mutex);
+    Lock lock(g_init_mutex);
     if (g_init_count >= 1) {
         reset_table();
         --g_init_count;
         kolvo_mem_report();
     }
-    const int ret = pthread_mutex_unlock(&g_init_mutex);
+    const int ret = lock.unlock();
     KOLVO_LOG(ANDROID_LOG_INFO, "function exit with ret %ld", static_cast<long>(ret));
     return ret;
 }

@@ -8,32 +8,38 @@
 
 namespace {
 
-int map_response(const qmi_response_type_v01& resp) {
-    if (resp.result == 0)
-        return 0;
-    if (resp.result != 1)
-        return 1;
-    switch (resp.error) {
+constexpr uint32_t kResultSuccess = 0;
+constexpr uint32_t kResultFailure = 1;
+
+// The errors of the response that are told apart.
+int map_error(uint32_t error) {
+    switch (error) {
         case 0:
         case 26:
-            return 0;
+            return MODEM_API_OK;
         case 4:
-            return 10;
+            return MODEM_API_ABORTED;
         case 17:
         case 19:
         case 48:
         case 49:
-            return 5;
+            return MODEM_API_BAD_REQUEST;
         case 24:
         case 42:
         case 77:
         case 94:
-            return 4;
+            return MODEM_API_REFUSED;
         case 52:
-            return 8;
+            return MODEM_API_NOT_READY;
         default:
-            return 1;
+            return MODEM_API_FAILED;
     }
+}
+
+int map_response(const qmi_response_type_v01& resp) {
+    if (resp.result == kResultSuccess)
+        return MODEM_API_OK;
+    return resp.result == kResultFailure ? map_error(resp.error) : MODEM_API_FAILED;
 }
 
 }  // namespace
@@ -42,14 +48,14 @@ int modem_api_map_qmi_error_to_modem_api(int qmi_client_error, const qmi_respons
     switch (qmi_client_error) {
         case QMI_PORT_NOT_OPEN_ERR:
         case QMI_INTERNAL_ERR:
-            return 12;
+            return MODEM_API_NO_CONNECTION;
         case QMI_TIMEOUT_ERR:
-            return 11;
+            return MODEM_API_TIMEOUT;
         case QMI_SERVICE_ERR:
         case QMI_NO_ERR:
             return resp == nullptr ? MODEM_API_FAILED : map_response(*resp);
         default:
-            return 1;
+            return MODEM_API_FAILED;
     }
 }
 
@@ -82,13 +88,16 @@ namespace {
 
 void deliver(unsigned msg_id, const void* resp, unsigned resp_len, const modem_api_cb_struct_type& cb,
              int error) {
-    qmi_response_type_v01 outcome;
-    if (resp == nullptr || resp_len < sizeof outcome) {
+    if (resp == nullptr || resp_len == 0) {
         cb.callback(nullptr, 0, cb.user_data, MODEM_API_RESPONSE_NONE);
         return;
     }
-    memcpy(&outcome, resp, sizeof outcome);
-    if (const int result = modem_api_map_qmi_error_to_modem_api(error, &outcome); result != MODEM_API_OK) {
+    qmi_response_type_v01 outcome{};
+    const bool has_outcome = resp_len >= sizeof outcome;
+    if (has_outcome)
+        memcpy(&outcome, resp, sizeof outcome);
+    const int result = modem_api_map_qmi_error_to_modem_api(error, has_outcome ? &outcome : nullptr);
+    if (result != MODEM_API_OK) {
         cb.callback(nullptr, 0, cb.user_data, result);
         return;
     }

@@ -55,25 +55,25 @@ void fill_request(vs_statistics_req_msg_v01* req, uint32_t sub, int32_t number,
     }
 }
 
-}  // namespace
+int refuse(const char* function) {
+    modem_api_log(ANDROID_LOG_ERROR, function, "Unexpected condition, return error %d!",
+                  MODEM_API_NOT_USABLE);
+    return MODEM_API_NOT_USABLE;
+}
 
-int modem_api_set_kolvo_feature_status() {
-    if (!client_is_usable()) {
-        KOLVO_LOG(ANDROID_LOG_ERROR, "Unexpected condition, return error %d!", MODEM_API_NOT_USABLE);
-        return MODEM_API_NOT_USABLE;
-    }
+int set_feature_status() {
+    if (!client_is_usable())
+        return refuse("modem_api_set_kolvo_feature_status");
     vs_feature_req_msg_v01 req{2, 1, 1, 1, 0};
     vs_feature_resp_msg_v01 resp{};
     const int result = send(MODEM_API_FEATURE_MSG_ID, &req, &resp);
-    KOLVO_LOG(ANDROID_LOG_DEBUG, "result %d", result);
+    modem_api_log(ANDROID_LOG_DEBUG, "modem_api_set_kolvo_feature_status", "result %d", result);
     return result;
 }
 
-int modem_api_get_stats_parameter(uint32_t sub, int32_t number, modem_stats_param_list* list) {
-    if (!client_is_usable()) {
-        KOLVO_LOG(ANDROID_LOG_ERROR, "Unexpected condition, return error %d!", MODEM_API_NOT_USABLE);
-        return MODEM_API_NOT_USABLE;
-    }
+int get_stats_parameter(uint32_t sub, int32_t number, modem_stats_param_list* list) {
+    if (!client_is_usable())
+        return refuse("modem_api_get_stats_parameter");
     vs_statistics_req_msg_v01 req{};
     vs_statistics_resp_msg_v01 resp{};
     fill_request(&req, sub, number, *list);
@@ -87,4 +87,20 @@ int modem_api_get_stats_parameter(uint32_t sub, int32_t number, modem_stats_para
     for (uint32_t i = 0; i < list->count; ++i)
         list->params[i] = resp.entries[i];  // the lengths stay as sent, for the reader to judge
     return MODEM_API_OK;
+}
+
+}  // namespace
+
+int modem_api_set_kolvo_feature_status() {
+    KOLVO_LOG(ANDROID_LOG_INFO, "function entry");
+    const int ret = set_feature_status();
+    KOLVO_LOG(ANDROID_LOG_INFO, "function exit with ret %ld", static_cast<long>(ret));
+    return ret;
+}
+
+int modem_api_get_stats_parameter(uint32_t sub, int32_t number, modem_stats_param_list* list) {
+    KOLVO_LOG(ANDROID_LOG_INFO, "function entry");
+    const int ret = get_stats_parameter(sub, number, list);
+    KOLVO_LOG(ANDROID_LOG_INFO, "function exit with ret %ld", static_cast<long>(ret));
+    return ret;
 }

@@ -18,6 +18,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Lengths = std::vector<int>;
 using testing::HasSubstr;
+using testing::Not;
 
 enum Road { kCallback, kDci };
 
@@ -103,9 +104,9 @@ TEST_F(DiagTest, RegistersEveryProcessorWithItsOwnContext) {
     for (const auto& c : cases) {
         platform().remote_cbs.clear();
         platform().remote_mask = c.mask;
-        EXPECT_THAT(log_of([] { kelvra_diag_register_callback(kelvra_diag_cmd_response_by_callback); }),
-                    HasSubstr("g_diag_channel = [0]MSM, data_primary = 0, remote_mask = " +
-                              std::string(c.name) + "\n"));
+        EXPECT_THAT(
+            log_of([] { kelvra_diag_register_callback([](unsigned char*, int, void*) { return 0; }); }),
+            HasSubstr("data_primary = 0, remote_mask = " + std::string(c.name) + "\n"));
         EXPECT_EQ(*static_cast<int*>(platform().diag_context), 0);
         std::vector<int> processors;
         for (const auto& remote : platform().remote_cbs) {
@@ -118,11 +119,11 @@ TEST_F(DiagTest, RegistersEveryProcessorWithItsOwnContext) {
 
 TEST_F(DiagTest, OneCloseEndsTheSessionForAll) {
     kelvra_diag_init_with_result();
-    EXPECT_THAT(log_of(kelvra_diag_init_with_result),
-                HasSubstr("]: diag init done, g_diag_init_status = 1\n"));
-    EXPECT_EQ(g_diag_init_status, 2);
+    EXPECT_THAT(log_of(kelvra_diag_init_with_result), HasSubstr("done, g_diag_init_status = 1\n"));
+    EXPECT_THAT(log_of(kelvra_diag_init_with_result), HasSubstr("done, g_diag_init_status = 2\n"));
     kelvra_diag_deinit_with_result();
-    EXPECT_EQ(g_diag_init_status, 0);
+    EXPECT_THAT(log_of(kelvra_diag_init_with_result), Not(HasSubstr("init done")));
+    kelvra_diag_deinit_with_result();
 }
 
 TEST_F(DiagTest, ChecksArguments) {
@@ -139,45 +140,31 @@ TEST_F(DiagTest, ChecksArguments) {
     EXPECT_EQ(kelvra_diag_comand_output_check(&byte, &one), 0);
 }
 
-TEST_F(DiagTest, PrintsHexUpToTheLastByte) {
-    const Bytes most = joined({0x00, 0xab}, Bytes(4094, 0x7f));
-    EXPECT_THAT(log_of([&] { kelvra_print_data_with_hex(most.data(), 4096); }),
-                testing::ContainsRegex("data hex show, len.4096., data: 00 AB( 7F){4094}\n"));
-}
+// Ticks last until the sender is back, or for two seconds.
+struct LongTicks {
+    LongTicks() {
+        platform().usleep = [this](unsigned) {
+            for (int i = 0; i < 200 && !back; ++i)
+                pause_for(10000);
+            ++over;
+            return 0;
+        };
+    }
+    std::atomic<bool> back{false};
+    std::atomic<int> over{0};
+};
 
-TEST_F(DiagTest, TakesWhatIsAResponse) {
-    const struct {
-        Lengths pieces;
-        int callback_len;  // 0: time-out
-        int dci_len;
-        bool by_rule;  // a DCI response that the end of the time-out makes a success
-    } cases[] = {
-        {{}, 0, 0, false},
-        {{0}, 0, 0, false},
-        {{-1}, 0, 0, false},
-        {{10241}, 0, 0, false},
-        {{1}, 1, 1, false},
-        {{10240}, 10240, 10240, false},
-        {{4096}, 4096, 4096, true},
-        {{4096, 100}, 100, 4196, false},
-        {{4096, 4096}, 4096, 8192, true},
-        {{4096, 4096, 4096}, 4096, 10240, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.pieces));
-        answer_with(c.pieces);
+TEST_F(DiagTest, AResponseReleasesTheSenderAtOnce) {
+    for (const int len : {1, 4095, 8192, 10240}) {
+        answer_with({len});
         for (const Road road : {kCallback, kDci}) {
-            const int expected = road == kDci ? c.dci_len : c.callback_len;
-            Outcome outcome{};
-            const std::string log = log_of([&] { outcome = send(road); });
-            Bytes sent;
-            for (const int len : c.pieces)
-                sent = joined(road == kDci ? sent : Bytes(), payload(len));
-            sent.resize(static_cast<size_t>(expected));
-            EXPECT_EQ(outcome.result, expected == 0 ? 1 : 0);
-            EXPECT_EQ(outcome.reply, sent);
-            EXPECT_EQ(log.find("]: stop waiting, receive success, length is times") != std::string::npos,
-                      road == kDci ? c.by_rule : expected == 4096);
+            LongTicks ticks;
+            platform().usleeps.clear();
+            EXPECT_EQ(send(road).reply, payload(len));
+            EXPECT_EQ(ticks.over, 0) << len;
+            ticks.back = true;
+            wait_for_threads();
+            EXPECT_EQ(platform().usleeps.size(), 1U) << "the wait thread goes on waiting for nobody";
         }
     }
     answer_with({20});
@@ -196,51 +183,40 @@ TEST_F(DiagTest, CountsTicksToTheTimeOut) {
         EXPECT_EQ(send(c.road, c.time_out).result, 1);
         wait_for_threads();
         EXPECT_EQ(platform().usleeps, std::vector<unsigned>(c.ticks, 100000)) << c.time_out;
-        EXPECT_EQ(g_diag_wait_limit, 30);
-        EXPECT_EQ(g_diag_timeout_flag, 0);
     }
     EXPECT_EQ(platform().logging_modes, std::vector<int>({6, 1, 6, 1, 6, 1, 6, 1, 6, 1}));
 }
 
-TEST_F(DiagTest, StopsAtAFailingStep) {
-    const auto fail = [](auto&&...) {
-        errno = 5;
-        return 1003;
+// A worker's whole way: what it sends, how long it stays, who hears of the response, and that it leaves
+// nothing open.
+TEST_F(DiagTest, WorkersStayForTheResponseAndCloseTheirRoad) {
+    int open = 0;
+    int clients = 0;
+    platform().lsm_init = [&] { return ++open == 1; };
+    platform().lsm_deinit = [&] { return --open == 0; };
+    platform().dci_register = [&](int*, uint16_t*, int, void*) { return ++clients, 1001; };
+    platform().dci_release = [&](int*) { return --clients; };
+    const auto respond = [&open](Road road) {
+        EXPECT_EQ(open, 1);
+        deliver(road, payload(7), 7);
+        if (road == kDci) {
+            uint8_t bytes[3] = {};
+            platform().dci_logs(bytes, 2);
+            platform().dci_events(bytes, 3);
+        }
     };
-    const struct {
-        const char* complaint;
-        std::function<void()> break_step;
-        int releases;
-    } cases[] = {
-        {"Error sending SEND_REQUEST_ASYNC to peripheral 1003 for ch:0", [&] { platform().dci_send = fail; },
-         1},
-        {"Unable to register DCI stream for ch:0, err: 1003, errno: 5",
-         [&] { platform().dci_streams = fail; }, 1},
-        {"Could not get support list for ch 0, err: 1003, errno: 5", [&] { platform().dci_support = fail; },
-         1},
-        {"Could not register signal for DCI Data for ch:0, err: 1003, errno: 5",
-         [&] { platform().dci_signal = fail; }, 1},
-        {"Could not register with DCI, err: 1003, errno: 5 ch:0", [&] { platform().dci_register = fail; }, 0},
-    };
-    int releases = 0;
-    platform().dci_release = [&](int*) { return ++releases; };
-    for (const auto& c : cases) {
-        c.break_step();
-        releases = 0;
-        EXPECT_THAT(log_of([] { EXPECT_EQ(send(kDci).result, 1); }),
-                    HasSubstr("RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: " +
-                              std::string(c.complaint) + "\n"));
-        EXPECT_EQ(g_diag_init_status, 0);
-        EXPECT_THAT(log_of([] { EXPECT_EQ(send_without_result(5), 0); }),
-                    HasSubstr("dci_mode_thread_proc:#]: " + std::string(c.complaint) + "\n"));
-        EXPECT_EQ(releases, 2 * c.releases);
-    }
-    platform().lsm_init = [] { return false; };
-    platform().diag_send = [](int, const Bytes&) { return -1; };
-    EXPECT_THAT(log_of([] { EXPECT_EQ(send(kCallback).result, 1); }),
-                testing::ContainsRegex("LSM init failed(.|\n)*Fail to send diag cmd"));
-    EXPECT_THAT(log_of([] { send_without_result(0); }),
-                HasSubstr("callback_mode_thread_proc:#]: LSM init failed\n"));
+    platform().usleep = [&](unsigned) { return respond(kCallback), 0; };
+    platform().sleep = [&](unsigned) { return respond(kDci), 0U; };
+    std::string log = log_of([] { EXPECT_EQ(send_without_result(0), 0); });
+    EXPECT_THAT(log, HasSubstr("RIL[kelvra_diag_cmd_response_by_callback_no_handle:#]: len = 7\n"));
+    EXPECT_EQ(platform().usleeps, std::vector<unsigned>{200000});
+    EXPECT_EQ(platform().logging_modes, std::vector<int>({6, 1}));
+    log = log_of([] { EXPECT_EQ(send_without_result(5), 0); });
+    EXPECT_THAT(log, HasSubstr("RIL[kelvra_diag_cmd_response_by_dci_no_handle:#]: len = 7\n"));
+    EXPECT_THAT(log, HasSubstr("by_dci_log_stream_no_handle:#]: len = 2\n"));
+    EXPECT_THAT(log, HasSubstr("by_dci_event_stream_no_handle:#]: len = 3\n"));
+    EXPECT_EQ(platform().sleeps, std::vector<unsigned>{1});
+    EXPECT_EQ(std::make_pair(open, clients), std::make_pair(0, 0));
 }
 
 TEST_F(DiagTest, SurvivesFailedAllocations) {
@@ -256,6 +232,9 @@ TEST_F(DiagTest, SurvivesFailedAllocations) {
                  {kDci, 3, "Failed to allocate memory for ptr_out_2\n", 0, 4096},
                  {kDci, 4, "Failed to allocate memory for ptr_out_3\n", 0, 4096}};
     answer_with({4096, 100});
+    int open = 0;
+    platform().lsm_init = [&] { return ++open == 1; };
+    platform().lsm_deinit = [&] { return --open == 0; };
     for (const auto& c : cases) {
         fail_malloc(c.fail);
         Outcome outcome{};
@@ -267,6 +246,7 @@ TEST_F(DiagTest, SurvivesFailedAllocations) {
     EXPECT_EQ(send_without_result(1), 1);
     fail_malloc(2);
     EXPECT_THAT(log_of([] { EXPECT_EQ(send_without_result(1), 0); }), HasSubstr("DCI rsp pkt, errno: 12\n"));
+    EXPECT_EQ(open, 0);
 }
 
 TEST_F(DiagTest, NeedsNoWaitThreadForAResponse) {
@@ -289,11 +269,8 @@ TEST_F(DiagTest, ALateResponseHelpsNobody) {
     }
 }
 
-TEST_F(DiagTest, OnlyAReleaseWakesTheSender) {
-    platform().usleep = [](unsigned) { return sem_post(&g_diag_rsp_sem); };
-    EXPECT_EQ(send(kCallback).result, 1);
-    wait_for_threads();
-    // A response just before the wait thread looks for the last time, the sender perhaps still asleep.
+// A response just before the wait thread looks for the last time, the sender perhaps still asleep.
+TEST_F(DiagTest, AResponseWithTheLastTickIsInTime) {
     platform().usleep = [](unsigned) {
         deliver(kCallback, payload(1), 1);
         return 0;
@@ -302,26 +279,46 @@ TEST_F(DiagTest, OnlyAReleaseWakesTheSender) {
         EXPECT_EQ(send(kCallback, 100).result, 0);
 }
 
-TEST_F(DiagTest, PrintsTheCommandAndItsAnswer) {
-    const struct {
-        const char* line;
-        const char* printed;
-    } cases[] = {
-        {"5 0 0 0 3000 0x1FF 16",
-         "diag cmd:\n0xFF 0x10 \ncallback mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
-        {"5 0 2 0 x -1", "diag cmd:\n0xFF \ndci mode with result\n\nrsp data len(2)\nrsp data: 0x1F 0x20\n"},
-        {"5 0 0 7 0 1", "diag cmd:\n0x01 \ncallback mode without result\n\ndone without rsp data\n"},
-        {"5 0 1 1 0 1", "diag cmd:\n0x01 \ndci mode without result\n\ndone without rsp data\n"},
+// Each of the unit's locks keeps apart what must not meet: commands, workers, and pieces of a response.
+TEST_F(DiagTest, NothingMeetsWhatItMustNot) {
+    g_quiet_mode = true;
+    std::atomic<int> open{0};
+    std::atomic<bool> met{false};
+    platform().lsm_init = [&] { return met = met || open++ != 0, true; };
+    platform().lsm_deinit = [&] { return open = 0, true; };
+    const auto answer = [](Road road, int result) {
+        pause_for(100);
+        deliver(road, payload(3), 3);
+        return result;
     };
-    answer_with({2});
-    for (const auto& c : cases)
-        EXPECT_EQ(without_lines(log_of([&] { run_line(kelvra_test_cmn_do, c.line); }), "RIL["), c.printed);
+    platform().diag_send = [&](int, const Bytes&) { return answer(kCallback, 0); };
+    platform().usleep = [](unsigned) { return pause_for(100), 0; };
+    const auto twenty = [&met] {
+        for (int i = 0; i < 20; ++i)
+            met = met || send(kCallback).reply != payload(3);
+    };
+    std::thread other(twenty);
+    twenty();
+    other.join();
+    wait_for_threads();
+    EXPECT_FALSE(met) << "two commands";
 
-    std::vector<std::string> words(4097 + 5, "0");
-    words[0] = "5";
-    const std::string log = log_of([&] { EXPECT_EQ(run_words(kelvra_test_cmn_do, words), 1); });
-    EXPECT_THAT(log, HasSubstr("callback_mode:#]: kelvra_diag_comand_param_check fail\n"));
-    EXPECT_THAT(log, HasSubstr("\nkelvra_diag_cmd_send fail\n"));
+    for (int i = 0; i < 20; ++i)
+        send_without_result(0);
+    wait_for_threads();
+    EXPECT_FALSE(met) << "two workers";
+
+    platform().dci_send = [](int, const Bytes&) {
+        const auto half = [] { deliver(kDci, payload(4096), 4096); };
+        std::thread second(half);
+        half();
+        second.join();
+        deliver(kDci, payload(1), 1);
+        return 1001;
+    };
+    for (int i = 0; i < 50; ++i)
+        EXPECT_EQ(send(kDci).reply_len, 8193) << "two pieces";
+    g_quiet_mode = false;
 }
 
 class DiagStress : public DiagTest, public testing::WithParamInterface<Road> {};

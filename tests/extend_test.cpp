@@ -226,22 +226,13 @@ TEST_F(ExtendTest, Indications) {
 class CommonTest : public ExtendTest {};
 
 TEST_F(CommonTest, BothFormsAreFullBlocks) {
-    platform().send = [](const QmiRequest&, void* response) {
-        answer_extend(response, {1, 2, 3, 4});
-        return 0;
-    };
-    std::vector<uint8_t> rsp(509, 0xEE);
-    printed_by([&] { EXPECT_EQ(kelvra_common_qmi_req(0x11223344, rsp.data()), 0); });
-    // Only the header is cleared.
-    EXPECT_EQ(rsp[3], 4);
-    EXPECT_EQ(rsp[15], 0);
-    EXPECT_EQ(rsp[16], 0xEE);
-    std::vector<uint8_t> value(496, 7);
-    printed_by([&] { EXPECT_EQ(kelvra_send_common_qmi_msg(84, 496, value.data(), rsp.data()), 0); });
-    EXPECT_EQ(rsp[507], 0);
-    EXPECT_EQ(rsp[508], 0xEE);
-    printed_by([&] { EXPECT_EQ(kelvra_send_common_qmi_msg(35, 0, nullptr, rsp.data()), 0); });
-
+    const std::vector<uint8_t> value(496, 7);
+    CommonResponse rsp;
+    printed_by([&] {
+        EXPECT_EQ(kelvra_common_qmi_req(0x11223344, &rsp), 0);
+        EXPECT_EQ(kelvra_send_common_qmi_msg(84, 496, value.data(), &rsp), 0);
+        EXPECT_EQ(kelvra_send_common_qmi_msg(35, 0, nullptr, &rsp), 0);
+    });
     ASSERT_EQ(platform().requests.size(), 3U);
     for (const QmiRequest& request : platform().requests)
         EXPECT_EQ(request_id_of(request), 4U);
@@ -251,21 +242,50 @@ TEST_F(CommonTest, BothFormsAreFullBlocks) {
     EXPECT_EQ(payload_of(platform().requests[2]), block(512, {{0, {2}}, {8, {35}}}));
 }
 
+TEST_F(CommonTest, WholeResponses) {
+    const struct {
+        size_t arrives;
+        int result;
+        int length;
+        uint32_t needed;
+        bool whole;
+    } cases[] = {{7, 0, 0, 0, false},   {8, 5, 0, 0, true},     {15, 0, 0, 0, false},   {16, 0, 0, 0, true},
+                 {20, 0, 4, 4, true},   {20, 0, 4, 5, false},   {20, 0, 5, 0, false},   {20, 0, 3, 4, false},
+                 {20, 0, -1, 0, false}, {508, 0, 492, 0, true}, {508, 0, 493, 0, false}};
+    for (const auto& c : cases) {
+        std::vector<uint8_t> bytes(508, 0xAB);
+        put_le(&bytes[4], c.result);
+        put_le(&bytes[12], c.length);
+        bytes.resize(c.arrives);
+        platform().send = [&](const QmiRequest&, void* response) {
+            answer_extend(response, bytes);
+            return 0;
+        };
+        CommonResponse rsp;
+        printed_by([&] { kelvra_common_qmi_req(20, &rsp); });
+        EXPECT_EQ(rsp.is_whole(c.needed), c.whole) << c.arrives << " " << c.length;
+        EXPECT_EQ(rsp.result(), c.arrives < 8 ? 0 : c.result);
+    }
+}
+
 TEST_F(CommonTest, RefusalsAndFailures) {
-    uint8_t rsp[508];
+    CommonResponse rsp;
     uint8_t value[512] = {};
     const std::string entry = "function entry ------------->\n";
+    const std::string exit = "function exit <-------------\n";
     const struct {
         std::function<int()> call;
         int result;
         std::string logged;
     } cases[] = {
-        {[] { return kelvra_common_qmi_req(1, nullptr); }, -1, entry + "rsp is NULL\n"},
-        {[] { return kelvra_send_common_qmi_msg(1, 0, nullptr, nullptr); }, -1, entry + "t 1\nrsp is NULL\n"},
-        {[&] { return kelvra_send_common_qmi_msg(1, 2, nullptr, rsp); }, -1, entry + "t 1\nl 2\nv is null\n"},
-        {[&] { return kelvra_send_common_qmi_msg(1, 497, value, rsp); }, -1, entry + "t 1\nl 497\n"},
-        {[&] { return kelvra_send_common_qmi_msg(1, 4, value, rsp); }, -3,
-         entry + "t 1\nl 4\nsend msg sync failed:-2\n" + finished(-3) + "function exit <-------------\n"},
+        {[] { return kelvra_common_qmi_req(1, nullptr); }, -1, entry + "rsp is NULL\n" + exit},
+        {[] { return kelvra_send_common_qmi_msg(1, 0, nullptr, nullptr); }, -1,
+         entry + "t 1\nrsp is NULL\n" + exit},
+        {[&] { return kelvra_send_common_qmi_msg(1, 2, nullptr, &rsp); }, -1,
+         entry + "t 1\nl 2\nv is null\n" + exit},
+        {[&] { return kelvra_send_common_qmi_msg(1, 497, value, &rsp); }, -1, entry + "t 1\nl 497\n" + exit},
+        {[&] { return kelvra_send_common_qmi_msg(1, 4, value, &rsp); }, -3,
+         entry + "t 1\nl 4\nsend msg sync failed:-2\n" + finished(-3) + exit},
     };
     platform().send = [](const QmiRequest&, void*) { return -2; };
     for (const auto& c : cases) {

@@ -81,7 +81,9 @@ TEST_F(ModemApi, ConnectsAtTheThirdAttemptAndReleasesOnce) {
     EXPECT_THAT(platform().sleeps, ElementsAre(1, 1));
     EXPECT_THAT(g_status_events, ElementsAre(Pair(0x10002, 0)));
     EXPECT_THAT(log(), testing::IsSupersetOf(
-                           {"4 KOLVO vs_client_init_client_handles: using port 65535",
+                           {"3 KOLVO modem_api_operational_status_cb: client type 0, client id 0, "
+                            "operational_status 1",
+                            "4 KOLVO vs_client_init_client_handles: using port 65535",
                             "4 KOLVO vs_client_init_client_handles: Trying qmi_client_init_instance() "
                             "try # 2 port[65535]",
                             "4 KOLVO vs_client_init_client_handles: qmi_client_init_instance returned (0)",
@@ -133,6 +135,11 @@ TEST_F(ModemApi, RefusedClients) {
                                 "operational status 4"));
     EXPECT_EQ(g_kolvo_client_id, 0);
 
+    // None of the others may take the connection of the vs service.
+    platform().client_init_instance = [](uint32_t, qmi_client_type*) {
+        ADD_FAILURE();
+        return -1;
+    };
     for (unsigned type = 1; type < 10; ++type)
         EXPECT_EQ(modem_api_init_client(static_cast<modem_api_qmi_client_e_type>(type), nullptr, nullptr), 0);
     EXPECT_EQ(modem_api_init_client(static_cast<modem_api_qmi_client_e_type>(10), nullptr, nullptr), 14);
@@ -169,9 +176,12 @@ Event last_event(int code) {
 
 TEST_F(ModemApi, IndicationsBecomeEvents) {
     ASSERT_EQ(init_vs(), 0);
-    indicate(VS_STATUS_IND_V01, vs_status_ind_msg_v01{7, 200, 0});
-    const auto status = last_event<modem_api_status_event>(2);
-    EXPECT_EQ(std::make_tuple(status.value, status.first, status.second), std::make_tuple(7U, 1, 0));
+    for (const uint8_t flag : {uint8_t{0}, uint8_t{1}, uint8_t{200}}) {
+        indicate(VS_STATUS_IND_V01, vs_status_ind_msg_v01{7, flag, static_cast<uint8_t>(200 - flag)});
+        const auto status = last_event<modem_api_status_event>(2);
+        EXPECT_EQ(std::make_tuple(status.value, status.first, status.second),
+                  std::make_tuple(7U, flag != 0, flag != 200));
+    }
 
     indicate(VS_STATE_IND_V01, vs_state_ind_msg_v01{9});
     EXPECT_EQ(last_event<modem_api_state_event>(5).state, 9);
@@ -180,14 +190,60 @@ TEST_F(ModemApi, IndicationsBecomeEvents) {
     memset(bytes.bytes, 0xFE, sizeof bytes.bytes);
     indicate(VS_BYTES_IND_V01, bytes);
     const auto widened = last_event<modem_api_bytes_event>(4);
-    EXPECT_EQ(std::make_tuple(widened.count, widened.elements[0], widened.elements[99], widened.first,
-                              widened.second),
-              std::make_tuple(100U, 0xFEU, 0xFEU, 4, 5));
+    EXPECT_EQ(std::make_tuple(widened.value, widened.count, widened.elements[0], widened.elements[99],
+                              widened.first, widened.second),
+              std::make_tuple(3U, 100U, 0xFEU, 0xFEU, 4, 5));
+}
+
+// The service may speak as soon as it is connected.
+TEST_F(ModemApi, FirstIndicationIsNotLost) {
+    platform().client_init_instance = [](uint32_t, qmi_client_type*) {
+        indicate(VS_STATE_IND_V01, vs_state_ind_msg_v01{9});
+        return 0;
+    };
+    ASSERT_EQ(init_vs(), 0);
+    EXPECT_EQ(last_event<modem_api_state_event>(5).state, 9);
+}
+
+TEST_F(ModemApi, ReleaseEmptiesTheTable) {
+    ASSERT_EQ(init_vs(), 0);
+    const auto* const client = modem_api_client(0);
+    EXPECT_EQ(modem_api_release(), 0);
+    EXPECT_EQ(modem_api_client(0), nullptr);
+    kolvo_free_adv(const_cast<modem_api_client_info_type*>(client));
+}
+
+TEST_F(ModemApi, RequestsCarryWhatIsAskedFor) {
+    ASSERT_EQ(init_vs(), 0);
+    modem_stats_param_list list{1, {}};
+    list.params[0].id = 94;
+    list.params[0].value_len = 3;
+    list.params[0].value[0] = 0xAB;
+    log().clear();
+    EXPECT_EQ(modem_api_get_stats_parameter(1, 7, &list), MODEM_API_FAILED) << "no entries in the answer";
+    EXPECT_EQ(modem_api_set_kolvo_feature_status(), 0);
+    const auto& asked = platform().requests[0].bytes;
+    EXPECT_EQ(std::vector<uint8_t>(asked.begin(), asked.begin() + 21),
+              (std::vector<uint8_t>{1, 0, 7, 0, 1, 0, 0, 0, 0, 0, 0, 0, 94, 0, 0, 0, 3, 0, 0, 0, 0xAB}));
+    EXPECT_EQ(platform().requests[1].bytes, (std::vector<uint8_t>{2, 0, 0, 0, 1, 1, 1, 0}));
+    std::string text = " AB";  // 30 bytes, cut by 89 characters
+    for (int i = 0; i < 28; ++i)
+        text += " 00";
+    EXPECT_THAT(log(),
+                ElementsAre("4 KOLVO modem_api_get_stats_parameter: function entry",
+                            "3 KOLVO modem_api_get_stats_parameter: ids[0] = 94, value_len = 3, type = 0, "
+                            "value: " +
+                                text + " 0",
+                            "4 KOLVO modem_api_get_stats_parameter: function exit with ret 1",
+                            "4 KOLVO modem_api_set_kolvo_feature_status: function entry",
+                            "3 KOLVO modem_api_set_kolvo_feature_status: result 0",
+                            "4 KOLVO modem_api_set_kolvo_feature_status: function exit with ret 0"));
 }
 
 TEST_F(ModemApi, ReportWithLyingCountsIsClamped) {
     ASSERT_EQ(init_vs(), 0);
     vs_report_ind_msg_v01 report{};
+    report.value = 6;
     report.first_count = 12;
     report.second_count = 0xFFFFFFFF;
     report.last = 77;
@@ -204,6 +260,8 @@ TEST_F(ModemApi, ReportWithLyingCountsIsClamped) {
     EXPECT_EQ(event.first[0].value[2], 0);
     EXPECT_EQ(event.first[9].value_len, 700U);
     EXPECT_EQ(event.second[4].id, 44U);
+    EXPECT_EQ(std::make_tuple(event.value, event.first[0].first, event.first[0].second),
+              std::make_tuple(6U, 2, 3));
     EXPECT_EQ(event.last, 0xFFFFFFFF);
 
     report.last_valid = 1;
@@ -260,7 +318,8 @@ TEST_F(ModemApi, ResponsesAreDispatched) {
         {"data", 0, ok, 0, 0, "hi|0 |2 "},
         {"completion alone", 5, ok, 0, 0, "|2 "},
         {"no response", 0, {}, 0, 0, "|3 "},
-        {"shorter than a result", 0, {0, 0, 0, 0, 0, 0, 0}, 0, 0, "|3 "},
+        {"shorter than a result", 0, {0, 0, 0, 0, 0, 0, 0}, 0, 0, "|1 "},
+        {"shorter than a result, late", 0, {0}, -3, 0, "|11 "},
         {"mapped transport error", 0, ok, -3, 0, "|11 "},
         {"mapped response error", 0, failed, 0, 0, "|8 "},
         {"length runs past the response", 0, lying, 0, 0, "|3 |2 "},

@@ -109,31 +109,6 @@ TEST_F(NvEfsTest, Refusals) {
     EXPECT_EQ(exchanges(), 0U);
 }
 
-TEST_F(NvEfsTest, Requests) {
-    answer_with(response(0, 0, 0));
-    const std::string path(71, 'p');
-    const Bytes path_bytes(71, 'p');
-    const uint8_t data[] = {1, 2, 3};
-    uint8_t buf[4];
-    uint32_t len = sizeof buf;
-    // The path is not terminated.
-    run([&] { return kelvra_efs_read(1, path.data(), 71, buf, &len); });
-    run([&] { return kelvra_efs_write(0, "abc", 2, data, 3); });
-    run([&] { return kelvra_efs_delete(1, "abc", 3); });
-    run([&] { return kelvra_nv_write_ex(2, 7232, data, 3); });
-    run([&] { return kelvra_nv_delete(0, 258); });
-    const Bytes expected[] = {
-        block(512, {{0, {4, 1}}, {4, {71}}, {5, path_bytes}}),
-        block(512, {{0, {5, 0}}, {4, {2, 'a', 'b'}}, {76, {3}}, {80, {3}}, {88, {1, 2, 3}}}),
-        block(512, {{0, {6, 1}}, {4, {3, 'a', 'b', 'c'}}}),
-        block(512, {{0, {2, 1, 0x40, 0x1C}}, {76, {3}}, {88, {1, 2, 3}}}),
-        block(512, {{0, {3, 0, 2, 1}}}),
-    };
-    ASSERT_EQ(exchanges(), std::size(expected));
-    for (size_t i = 0; i < std::size(expected); ++i)
-        EXPECT_EQ(payload_of(platform().requests[i]), expected[i]) << i;
-}
-
 TEST_F(NvEfsTest, EveryOperationFailsAsTheModemDoes) {
     uint8_t buf[8] = {};
     uint32_t len = 0;

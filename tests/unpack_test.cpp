@@ -1,13 +1,9 @@
 // The unpack engine's checks and trace, and the record parser on records packed here, bit by bit.
-#include <gmock/gmock.h>
-
-#include <algorithm>
 #include <array>
 
 #include "group7_record.h"
 #include "group7_stats.h"
 #include "group7_unpack.h"
-#include "groups.h"
 #include "platform_test.h"
 
 namespace {
@@ -228,30 +224,6 @@ TEST_F(Unpack, RecordsThatCannotBeRead) {
     base_with_bit(1996 * 8);
     EXPECT_EQ(printed_by([] { EXPECT_FALSE(modem_stats_parse_xxxx_diag_xxxx()); }),
               "(base + cnt)(2022) is can not >= 2000 for mcc_tmp1, id(0x0)\n");
-}
-
-TEST_F(Unpack, SelfTest) {
-    const auto run = [](const char* line) {
-        return printed_by([&] { run_line(kelvra_test_modem_stats_do, line); });
-    };
-    const std::string summary =
-        "version = 196609, mcc = 29440, mnc_num 128, mnc 704, tac 497189504, cgi 2028284490176, pci 51666\n"
-        "freq_band_ind = 64, dl_earfcn = 27450241, dl_bw 1280, ul_earfcn 24836608, ul_bw 1280, allow_access "
-        "128, "
-        "scs 0\n";
-    EXPECT_EQ(run("7 0 0"), "length = 48, print_flag = 0\n" + summary);
-    const std::string traced = run("7 0 -1");
-    EXPECT_THAT(traced, testing::StartsWith("length = 48, print_flag = -1\n    UNPK_I, name: version, "));
-    EXPECT_EQ(std::count(traced.begin(), traced.end(), '\n'), 1 + 2 + 12 * 8 + 2);
-    EXPECT_THAT(traced, testing::EndsWith(summary));
-
-    const std::string note = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
-    EXPECT_THAT(run("7 0"),
-                testing::StartsWith(note + "kelvra_test_modem_stats_parsing_process FAIL\n\n====="));
-    EXPECT_THAT(run("7 1"),
-                testing::StartsWith(note + "kelvra_test_modem_stats_get_debug_info FAIL\n\n====="));
-    EXPECT_THAT(run("7"), testing::StartsWith(note + "\n====="));
-    EXPECT_THAT(run("7 2"), testing::StartsWith("invalid type = 2\n\n====="));
 }
 
 }  // namespace

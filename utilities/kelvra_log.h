@@ -36,12 +36,8 @@ struct KelvraLogSite {
 
 /// Error log: console and system log, always.
 #define KELVRA_LOGE(...) kelvra_log_error({kLogUnit, __func__, __LINE__}, __VA_ARGS__)
-#define KELVRA_LOGE_AS(function, ...) kelvra_log_error({kLogUnit, function, __LINE__}, __VA_ARGS__)
 
-/// The trace of a function's start and end.
-#define KELVRA_LOG_ENTRY() KELVRA_LOGD("function entry ------------->")
-#define KELVRA_LOG_EXIT() KELVRA_LOGD("function exit <-------------")
-/// Both in one: the start now, the end on whichever way the enclosing function is left.
+/// The trace of a function: its start now, its end on whichever way the enclosing function is left.
 #define KELVRA_LOG_SCOPE() const KelvraLogScope kelvra_log_scope({kLogUnit, __func__, __LINE__})
 
 /// What the macros above call. The console form of a message is one write: lines of two threads never mix.

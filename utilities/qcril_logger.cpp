@@ -33,7 +33,7 @@ void Logger::log(Level level, const char* fmt, ...) const {
 }
 
 void StdoutLogger::write(const char* line) const {
-    kelvra_puts(line);
+    puts(line);
 }
 
 const Logger& LoggerFactory::logger() {

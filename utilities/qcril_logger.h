@@ -29,7 +29,7 @@ private:
     std::atomic<Level> maximum_{Level::kFatal};
 };
 
-/// Lines on standard output; silent in quiet mode.
+/// Lines on standard output, in quiet mode too.
 class StdoutLogger final : public Logger {
 public:
     constexpr StdoutLogger() = default;

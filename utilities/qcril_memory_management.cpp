@@ -1,6 +1,5 @@
 #include "qcril_memory_management.h"
 
-#include <pthread.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 #include "cutils/properties.h"
 #include "fatal.h"
 #include "kelvra_log.h"
+#include "lock.h"
 #include "qcril_logger.h"
 
 std::atomic<int> g_kolvo_mem_trace{kKolvoTraceUndecided};
@@ -61,10 +61,9 @@ int trace_property() {
 void kolvo_mem_init() {
     if (g_kolvo_mem_trace != kKolvoTraceUndecided)
         return;
-    pthread_mutex_lock(&g_kolvo_mem_mutex);
+    const Lock lock(g_kolvo_mem_mutex);
     if (g_kolvo_mem_trace == kKolvoTraceUndecided)
         g_kolvo_mem_trace = trace_property();
-    pthread_mutex_unlock(&g_kolvo_mem_mutex);
 }
 
 void* allocate(size_t size) {
@@ -99,37 +98,35 @@ void trace(const void* block, size_t size, const char* tag) {
     node->tag = tag;
     stamp(*node);
 
-    pthread_mutex_lock(&g_kolvo_mem_mutex);
+    const Lock lock(g_kolvo_mem_mutex);
     auto& list = g_kolvo_mem_list;
     node->previous = list.tail;
     (list.tail == nullptr ? list.head : list.tail->next) = node;
     list.tail = node;
     if (++g_kolvo_mem_cur_num > g_kolvo_mem_max_num)
         g_kolvo_mem_max_num = g_kolvo_mem_cur_num;
-    pthread_mutex_unlock(&g_kolvo_mem_mutex);
 }
 
 void untrace(const void* block) {
-    pthread_mutex_lock(&g_kolvo_mem_mutex);
+    const Lock lock(g_kolvo_mem_mutex);
     auto& list = g_kolvo_mem_list;
     KolvoMemNode* node = list.head;
     while (node != nullptr && node->block != block)
         node = node->next;
-    if (node != nullptr) {
-        (node->previous == nullptr ? list.head : node->previous->next) = node->next;
-        (node->next == nullptr ? list.tail : node->next->previous) = node->previous;
-        if (g_kolvo_mem_cur_num == 0)
-            vxk_fatal("kolvo_system_heapi_mem_cur_num is 0 while a traced block of %zu bytes (%s) is freed",
-                      node->size, node->tag);
-        --g_kolvo_mem_cur_num;
-    }
-    pthread_mutex_unlock(&g_kolvo_mem_mutex);
+    if (node == nullptr)
+        return;
+    (node->previous == nullptr ? list.head : node->previous->next) = node->next;
+    (node->next == nullptr ? list.tail : node->next->previous) = node->previous;
+    if (g_kolvo_mem_cur_num == 0)
+        vxk_fatal("kolvo_system_heapi_mem_cur_num is 0 while a traced block of %zu bytes (%s) is freed",
+                  node->size, node->tag);
+    --g_kolvo_mem_cur_num;
     free(node);
 }
 
 }  // namespace
 
-void* qcril_malloc_adv(size_t size, const char* function, int line) {
+void* qcril_malloc_adv(size_t size, const char*, int) {
     void* block = calloc(1, size);
     if (block == nullptr) {
         char thread_name[16] = "";
@@ -138,7 +135,6 @@ void* qcril_malloc_adv(size_t size, const char* function, int line) {
             qti::ril::logger::Level::kError, "[%s: %d] [%s(%ld,%ld)] %s: Fail to allocate memory",
             "qcril_memory_management", __LINE__, thread_name, static_cast<long>(getpid()),
             static_cast<long>(gettid()), __func__);
-        kelvra_ril_syslog_err("%s: no %zu bytes for %s:%d", __func__, size, function, line);
     }
     return block;
 }
@@ -163,10 +159,10 @@ void kolvo_free_adv(void* ptr) {
 void kolvo_mem_report() {
     if (g_kolvo_mem_trace != 1)
         return;
-    pthread_mutex_lock(&g_kolvo_mem_mutex);
+    Lock lock(g_kolvo_mem_mutex);
     const unsigned current = g_kolvo_mem_cur_num;
     const unsigned most = g_kolvo_mem_max_num;
-    pthread_mutex_unlock(&g_kolvo_mem_mutex);
+    lock.unlock();
     char message[kKolvoLogMax];
     kolvo_log_format_log_msg(
         message, "kolvo_system_heapi_mem_cur_num = %u, kolvo_system_heapi_mem_max_num = %u", current, most);

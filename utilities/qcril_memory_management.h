@@ -14,8 +14,8 @@ extern std::atomic<int> g_kolvo_mem_trace;
 extern unsigned g_kolvo_mem_cur_num;
 extern unsigned g_kolvo_mem_max_num;
 
-/// `size` zero bytes, freed with free(); null after reporting the failure through the QCRIL logger and, with
-/// the caller's function and line, in the system log. Any thread.
+/// `size` zero bytes, freed with free(); null after reporting the failure through the QCRIL logger. The
+/// caller names itself; the failure's line does not use that. Any thread.
 void* qcril_malloc_adv(size_t size, const char* function, int line);
 
 /// `size` zero bytes, freed with kolvo_free_adv(); null after logging the failure. `tag` names the

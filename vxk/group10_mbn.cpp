@@ -21,11 +21,10 @@ PdcMbnInfo klevra_pdc_mbn_info;
 constexpr int g_pdc_init_status = -1;
 
 void kelvra_test_mbn_pdc_init(unsigned char force_init) {
-    KELVRA_LOG_ENTRY();
+    KELVRA_LOG_SCOPE();
     KELVRA_LOGD("start kelvra pdc init, g_pdc_init_status = %d, force_init = %d", g_pdc_init_status,
                 force_init);
     KELVRA_LOGE("pdc init failed");
-    KELVRA_LOG_EXIT();
 }
 
 }  // namespace

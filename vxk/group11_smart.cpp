@@ -45,8 +45,8 @@ int path_length(const char* path) {
 int request_reset(uint32_t kind) {
     uint8_t value[4];
     put_le(value, kind);
-    uint8_t response[kCommonResponseMax];
-    return kelvra_send_common_qmi_msg(kCommonReset, sizeof value, value, response);
+    CommonResponse response;
+    return kelvra_send_common_qmi_msg(kCommonReset, sizeof value, value, &response);
 }
 
 // Gives the handset time to take up a new restart level. The seconds are returned, so that the caller can see
@@ -142,8 +142,8 @@ int kelvra_smart_test_full_dump() {
 
 int kelvra_smart_test_nv_sync() {
     KELVRA_LOGD("Will trigger NV SYNC\n");
-    uint8_t response[kCommonResponseMax];
-    return kelvra_send_common_qmi_msg(kCommonNvSync, 0, nullptr, response);
+    CommonResponse response;
+    return kelvra_send_common_qmi_msg(kCommonNvSync, 0, nullptr, &response);
 }
 
 void kelvra_smart_test_ap_kolvo_switch(int opt) {

@@ -66,8 +66,7 @@ int print_config(const ConfigFile& file) {
         puts("kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS");
         return result;
     }
-    printf("\ndata len(%d)\ndata: ", static_cast<int>(length));
-    print_hex_line(data, length);
+    print_data("data: ", data, static_cast<int>(length));
     return 0;
 }
 

@@ -34,8 +34,7 @@ int outcome(int result) {
 int show(int result, const Data& data) {
     if (result != 0)
         return fail(result);
-    printf("\ndata len(%d)\ndata: ", data.len);
-    print_hex_line(data.bytes, data.len);
+    print_data("data: ", data.bytes, static_cast<int>(data.len));
     return 0;
 }
 

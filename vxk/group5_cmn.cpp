@@ -89,14 +89,13 @@ int send_command(int argc, char** argv) {
 }
 
 int kelvra_cmn_diag_cmd_send(int argc, char** argv) {
-    KELVRA_LOG_ENTRY();
+    KELVRA_LOG_SCOPE();
     const bool enough = argc > kFirstByte;
     int result = 0;
     if (enough)
         result = send_command(argc, argv);
     else
         kelvra_puts("\nnote: Too few inputs, Pls refer to the following cmd:");
-    KELVRA_LOG_EXIT();
     // Too few inputs are answered by the help alone, with no error code.
     return enough ? result : show_help(kCmnGroup);
 }
@@ -214,7 +213,7 @@ int ask_dsi(qmi_client_type handle) {
 }
 
 int kelvra_get_sar_dsi() {
-    KELVRA_LOG_ENTRY();
+    KELVRA_LOG_SCOPE();
     qmi_client_type handle = nullptr;
     const int error =
         qmi_client_init_instance(sar_get_service_object_internal_v01(
@@ -226,7 +225,6 @@ int kelvra_get_sar_dsi() {
         KELVRA_LOGD("qmi_client_init_instance failed, qmi_client_error = %d", error);
     else
         dsi = ask_dsi(handle);
-    KELVRA_LOG_EXIT();
     return dsi;
 }
 

@@ -66,8 +66,8 @@ bool power(const KelvraUimPowerRequest& request) {
 bool rewire(const uint8_t (&wiring)[8], const KelvraUimPowerRequest& power_up) {
     if (!power(power_down_uim2))
         return false;
-    uint8_t response[kCommonResponseMax];
-    kelvra_send_common_qmi_msg(kSlotWiring, sizeof wiring, wiring, response);
+    CommonResponse response;
+    kelvra_send_common_qmi_msg(kSlotWiring, sizeof wiring, wiring, &response);
     return power(power_up);
 }
 
@@ -225,7 +225,7 @@ int save_eid_to_efs(const uint8_t* eid) {
         KELVRA_LOGD("efs read failed and try save it. error_code : %d\n", result);
         result = kelvra_efs_write(1, kEidPath, kEidPathLen, eid, kEidLen);
         kelvra_printf("save eid efs result = %d\n", result);
-        if (result < 0)
+        if (result != 0)
             return result;
         KELVRA_LOGD("save eid successfully, set IS_EID_SAVE TRUE");
     } else {

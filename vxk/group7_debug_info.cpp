@@ -158,37 +158,25 @@ struct Query {
 constexpr Query kDebugInfo{20, "kelvra_common_qmi_req fail, REQUEST_ID_COMMON", "rsp.result"};
 constexpr Query kNotSupportedLogs{27, "kelvra_common_qmi_req fail", "rsp_not_support.result"};
 
-constexpr int kShortResponse = -103;
-
-// What arrived of a common response, zero behind it.
-struct Response {
-    uint8_t bytes[kCommonResponseMax] = {};
-    uint32_t arrived = 0;
-
-    const uint8_t* value() const { return bytes + kCommonValueOffset; }
-    uint32_t value_size() const { return arrived > kCommonValueOffset ? arrived - kCommonValueOffset : 0; }
-};
-
 bool fail(const char* failure, int result, const char* result_name, int rsp_result) {
     printf("%s, result = %d, %s = %d\n", failure, result, result_name, rsp_result);
     return false;
 }
 
-bool fail_response(const Query& query, int result) {
-    return fail("qmi response fail", result, query.result_name, result);
+// True when the modem answered with success; otherwise prints the line of the failure.
+bool ask(const Query& query, CommonResponse* response) {
+    const int result = kelvra_common_qmi_req(query.code, response);
+    if (result != kExtendOk)
+        return fail(query.send_failure, result, query.result_name, response->result());
+    if (response->is_whole() && response->result() != 0)
+        return fail("qmi response fail", response->result(), query.result_name, response->result());
+    return true;
 }
 
-bool ask(const Query& query, Response* response) {
-    const int result = kelvra_common_qmi_req(query.code, response->bytes, &response->arrived);
-    const int rsp_result = get_le<int32_t>(response->bytes + kCommonResultOffset);
-    if (result != 0)
-        return fail(query.send_failure, result, query.result_name, rsp_result);
-    return rsp_result == 0 || fail_response(query, rsp_result);
-}
-
-// A response with fewer bytes than its reader takes is a failed one.
-bool has(const Query& query, const Response& response, uint32_t size) {
-    return response.value_size() >= size || fail_response(query, kShortResponse);
+// A response with fewer bytes than its reader takes is a failed exchange.
+bool has(const Query& query, const CommonResponse& response, uint32_t size) {
+    return response.is_whole(size) ||
+           fail(query.send_failure, kChannelFailed, query.result_name, response.result());
 }
 
 uint32_t debug_info_size(uint8_t version) {
@@ -203,15 +191,15 @@ void print_rule() {
 void print_not_supported_logs() {
     constexpr uint32_t kNumSize = 2;
     constexpr uint32_t kIdSize = 2;
-    Response response;
+    CommonResponse response;
     if (!ask(kNotSupportedLogs, &response) || !has(kNotSupportedLogs, response, kNumSize))
         return;
     const auto log_num = static_cast<uint32_t>(print_field(response.value(), "log_num", kNumSize));
     print_rule();
     puts("================= FAIL ====================");
     print_rule();
-    const uint32_t num = std::min(log_num, (response.value_size() - kNumSize) / kIdSize);
-    printf("Diag logs to be upgraded[num:%d]:\n", static_cast<int>(num));
+    printf("Diag logs to be upgraded[num:%d]:\n", static_cast<int>(log_num));
+    const uint32_t num = std::min(log_num, (response.value_len() - kNumSize) / kIdSize);
     for (uint32_t i = 0; i < num; ++i)
         printf("log_id[%d]: 0x%04X\n", static_cast<int>(i),
                get_le<uint16_t>(response.value() + kNumSize + i * kIdSize));
@@ -252,7 +240,7 @@ void kelvra_modem_stats_support_status_check(const uint8_t* payload) {
 
 void kelvra_test_modem_stats_get_debug_info_do(int mask) {
     printf("Get the debug info of modem_stats, mask = 0x%x\n", static_cast<unsigned>(mask));
-    Response response;
+    CommonResponse response;
     if (!ask(kDebugInfo, &response))
         return;
     if (mask == 0) {

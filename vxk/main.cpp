@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -27,10 +28,21 @@ void occupy_closed_streams() {
     }
 }
 
+// A reader that closes the pipe must not leave an operation half done: what it does not read is lost, and
+// nothing else. A handler, because a program that is started here gets the default back, which it would not
+// of an ignored signal.
+void outlive_the_reader() {
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPIPE, &action, nullptr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     occupy_closed_streams();
+    outlive_the_reader();
     // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill loses no
     // line.
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

@@ -13,16 +13,6 @@ public:
     QtiSharedMutex(const QtiSharedMutex&) = delete;
     QtiSharedMutex& operator=(const QtiSharedMutex&) = delete;
 
-    /// Blocks until the calling thread is the only holder. The try_ form returns false instead of blocking.
-    void lock();
-    bool try_lock();
-    void unlock();
-
-    /// Blocks until no writer holds the mutex. The try_ form returns false instead of blocking.
-    void lock_shared();
-    bool try_lock_shared();
-    void unlock_shared();
-
 private:
     pthread_rwlock_t lock_;
 };

@@ -35,19 +35,10 @@ it and succeeds.
   $ property $level
   ALL_DISABLE
   $ away() { ! test -S "$VXK_HANDSET_DIR/qmi/65508"; }; eventually away
-  $ vxk 11 2 2>/dev/null
+  $ vxk 11 2 2>/dev/null | grep -E 'SYNC|num_services = 0|result'
   RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC
-  
-  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
-  RIL[kelvra_send_common_qmi_msg:#]: t 35
-  RIL[kelvra_send_common_qmi_msg:#]: l 0
   KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:16
   kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   $ asked
   id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
@@ -60,30 +51,33 @@ it and succeeds.
     nv syncs  1
   
 
+A reader that goes away does not keep the restart from being asked for, nor the level from being put back.
+
+  $ boot '{"modem": {"restart_ms": 0}}'
+  $ set_property persist.radio.ssr_wait_s 0
+  $ command vxk 11 0 | true; echo ${PIPESTATUS[0]}; property $level; asked | cut -c 1-45
+  0
+  ALL_DISABLE
+  id=4 data_len=512 form="tlv" code=31 value=[0
+  $ restarted 1
+  $ command vxk 11 0 | head -n 1 | cut -c 1-10; property $level; asked | cut -c 1-45
+  RIL[kelvra
+  ALL_DISABLE
+  id=4 data_len=512 form="tlv" code=31 value=[0
+  id=4 data_len=512 form="tlv" code=31 value=[0
+
 With a wait, there is one before the request and one behind it.
 
   $ boot '{"modem": {"restart_ms": 0}}'
   $ set_property persist.radio.ssr_wait_s 1
   $ set_property $level odd
-  $ vxk 11 0 | grep -E '^RIL.kelvra_smart|^$'
-  RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: odd
-  
-  RIL[kelvra_smart_test_modem_ssr:#]: need to open ssr
-  
+  $ vxk 11 0 | grep wait
   RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 1
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr start to wait 1s to init
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr end to wait 1s to init
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 1
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr start to wait 1s to init
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr end to wait 1s to init
-  
-  RIL[kelvra_smart_test_modem_ssr:#]: back to old ssr state
-  
   $ property $level
   odd
 
@@ -132,18 +126,8 @@ change. The handset reboots each time.
   kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   $ restarted 1
-  $ vxk 11 1
+  $ vxk 11 1 | grep full_dump
   RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_DISABLE, the default state: ALL_ENABLE
-  
-  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
-  RIL[kelvra_send_common_qmi_msg:#]: t 31
-  RIL[kelvra_send_common_qmi_msg:#]: l 4
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:16
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   $ restarted 2
   $ asked
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" offset=0 data=[04 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 (+463 zero)]
@@ -162,6 +146,14 @@ change. The handset reboots each time.
     full dumps  2
     reboots     2
   
+
+A count that cannot go on is fatal. So it is into a pipe that nobody reads any more.
+
+  $ printf '\377\377\377\377' > "$VXK_HANDSET_DIR/efs/0/nv/item_files/modem/kelvra/ssr_update_count"
+  $ set_property $level odd
+  $ command vxk 11 1 2> fatal | true; echo ${PIPESTATUS[0]}; aborted < fatal
+  134
+  vxk: fatal: the restart level's update count 4294967295 cannot be counted up
 
 At any other level the modem restarts alone. A request of no known kind, or cut short, does nothing.
 
@@ -182,36 +174,10 @@ Print switches: on, off, and off once more, which finds no file.
 
   $ boot '{"modem": {"restart_ms": 0}, "efs": {"read_only": ["/nv/item_files/modem/kelvra/rf_print_mask"]}}'
   $ set_property $level ALL_ENABLE
-  $ vxk 11 4 1
+  $ answer 11 4 1
   bp_kolvo_print, opt = 1
-  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 23, buf_len: 4
-  RIL[kelvra_efs_write:#]: path_value: /kolvo/kolvo_print_mask
-  RIL[kelvra_efs_write:#]: send_num(4)
-  RIL[kelvra_efs_write:#]: left_num(4)
-  RIL[kelvra_efs_write:#]: data_len_all = 4, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 4
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
-  RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC
   
-  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
-  RIL[kelvra_send_common_qmi_msg:#]: t 35
-  RIL[kelvra_send_common_qmi_msg:#]: l 0
-  kelvra_extend_qmi_send_sync resp_len:16
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
-  RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: ALL_ENABLE
   
-  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
-  RIL[kelvra_send_common_qmi_msg:#]: t 31
-  RIL[kelvra_send_common_qmi_msg:#]: l 4
-  kelvra_extend_qmi_send_sync resp_len:16
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   success, pls wait 10 seconds 
   $ restarted 1; efs 0/kolvo/kolvo_print_mask
    1f 00 00 00
@@ -259,18 +225,8 @@ Print switches: on, off, and off once more, which finds no file.
 Antenna configurations: the modem keeps them in two files.
 
   $ boot
-  $ vxk 3 1 | helpless
+  $ answer 3 1 | helpless
   kelvra_gpio_test_get
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 47
-  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/kelvra/rf_ant_port_config
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
-  RIL[kelvra_efs_read:#]: qmi response fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-2)
@@ -295,18 +251,8 @@ Antenna configurations: the modem keeps them in two files.
    v_ant(0)
    v_sys(4)
    v_band_list(8796093022208)
-  $ vxk 3 4
+  $ answer 3 4
   kelvra_rf_tx_test_get
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 43
-  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/antenna/ant_tx_config
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:36
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_read:#]: result = 0, rsp.result = 0
-  RIL[kelvra_efs_read:#]: data_len_all = 16, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 16
   
   data len(16)
   data:  00 00 00 00 04 00 00 00 00 00 00 00 00 08 00 00
@@ -314,6 +260,7 @@ Antenna configurations: the modem keeps them in two files.
   kelvra_gpio_test_closed
   kelvra_rf_tx_test_closed
   kelvra_rf_tx_test_closed
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-2)
   

@@ -35,27 +35,11 @@ A file is written, read back and deleted.
   $ vxk-handset show --dir "$VXK_HANDSET_DIR" | grep -A1 '^efs, subscription 0'
   efs, subscription 0
     /nv/item_files/demo  3 bytes
-  $ vxk 4 6 0 /nv/item_files/demo
+  $ vxk 4 6 0 /nv/item_files/demo | grep delete
   RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 19
   RIL[kelvra_efs_delete:#]: path_value: /nv/item_files/demo
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_efs_delete:#]: result = 0, rsp.result = 0
-  $ vxk 4 4 0 /nv/item_files/demo
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 19
-  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/demo
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
-  RIL[kelvra_efs_read:#]: qmi response fail
+  $ answer 4 4 0 /nv/item_files/demo
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-2)
@@ -124,64 +108,39 @@ A path has 1 to 71 characters, of any kind.
   RIL[kelvra_efs_write:#]: path_value: /%s%n%d
    09
   $ answer 4 4 0 /../../../etc/passwd | head -3
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-13)
-  
 
 NV items.
 
-  $ vxk 4 2 1 10 1 2 3
+  $ vxk 4 2 1 10 1 2 3 | grep nv_write
   RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 1, nv_id: 10
   RIL[kelvra_nv_write_ex:#]: buf_len: 3
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_nv_write_ex:#]: result = 0, rsp.result = 0
-  $ vxk 4 1 1 10
+  $ vxk 4 1 1 10 | grep -v '^K\|^k\|^Q'
   RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 1, nv_id: 10
   RIL[kelvra_nv_read:#]: buf_len: 365
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:23
-  kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_nv_read:#]: result = 0, rsp.result = 0
   RIL[kelvra_nv_read:#]: rsp.data_len_all = 3
   
   data len(3)
   data:  01 02 03
-  $ vxk 4 3 1 10
+  $ vxk 4 3 1 10 | grep nv_delete
   RIL[kelvra_nv_delete:#]: kelvra_nv_delete, sub_id 1, nv_id: 10
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_nv_delete:#]: result = 0, rsp.result = 0
   $ answer 4 1 1 10 | head -3
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-2)
-  
   $ answer 4 2 5 7232 9; answer 4 1 -3 7232
   
   data len(1)
   data:  09
-  $ vxk 4 1 0 7232 | tail -n +3 | head -10
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_nv_read:#]: result = 0, rsp.result = -2
+  $ vxk 4 1 0 7232 | grep -A1 'qmi response fail'
   RIL[kelvra_nv_read:#]: qmi response fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
   $ vxk 4 1 0 7233 | head -6
   RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 0, nv_id: 7233
   RIL[kelvra_nv_read:#]: buf_len: 365
@@ -205,35 +164,16 @@ NV items.
 
 Too many and too few arguments.
 
-  $ answer 4 4 1 /nv/item_files/x extra
+  $ answer 4 4 1 /nv/item_files/x extra | helpless
   
   note: need 5 inputs, Pls refer to the following cmd:
   
   note: Error happen! error_code(268431370)
   
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  4: nvefs option cmd: 
-     vxk 4 1 sub nv_id             /* nv read */
-     vxk 4 2 sub nv_id nv_data     /* nv write */
-     vxk 4 3 sub nv_id             /* nv delete */
-     vxk 4 4 sub efs_path          /* efs read */
-     vxk 4 5 sub efs_path efs_data /* efs write */
-     vxk 4 6 sub efs_path          /* efs delete */
-  =========== above: vexkit(vxk) cmd help =======================================================
-  
-  $ for command in "1 0" "1 0 1 2" "3 0" "3 0 1 2" "4 0" "6 0" "6 0 /x 1"; do answer 4 $command | sed -n 2p; done
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  note: need 5 inputs, Pls refer to the following cmd:
-  $ for command in "2 0" "2 0 1" "5" "5 0 /x"; do answer 4 $command | sed -n 2p; done
-  note: Too few inputs, Pls refer to the following cmd:
-  note: Too few inputs, Pls refer to the following cmd:
-  note: Too few inputs, Pls refer to the following cmd:
-  note: Too few inputs, Pls refer to the following cmd:
+  $ for command in "1 0" "1 0 1 2" "3 0" "3 0 1 2" "4 0" "6 0" "6 0 /x 1"; do answer 4 $command | sed -n 2p; done | uniq -c
+        7 note: need 5 inputs, Pls refer to the following cmd:
+  $ for command in "2 0" "2 0 1" "5" "5 0 /x"; do answer 4 $command | sed -n 2p; done | uniq -c
+        4 note: Too few inputs, Pls refer to the following cmd:
 
 What the modem and the channel can do to an exchange.
 
@@ -245,50 +185,38 @@ What the modem and the channel can do to an exchange.
   >   $faults: \"tlvs\", \"bytes\": \"01 0400 00000000 02 0400 58020000 10 0300 010203\"},
   >   $faults: \"close\"}]}"
   $ answer 4 5 0 /x 1 | head -3
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-13)
-  
   $ answer 4 5 0 /x 1
   $ answer 4 6 0 /x | head -3
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(5)
-  
-  $ for fault in result empty lie close; do vxk 4 1 0 1 | sed -n '6,12p'; done
+  $ for fault in result empty lie close; do answer 4 1 0 1 | sed 4q; done
   9 QMI service framework error. Check client
-  kelvra_extend_qmi_handle_req_cb result:-3
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
-  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
-  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
-  kelvra_extend_qmi_send_sync resp_len:0
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_nv_read:#]: result = 0, rsp.result = 0
-  RIL[kelvra_nv_read:#]: qmi response fail
+  note: Error happen! error_code(-103)
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  
+  note: Error happen! error_code(-103)
   
   send msg sync failed:-1
-  kelvra_extend_qmi_handle_req_cb result:-3
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
-  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
-  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
+  note: Error happen! error_code(-103)
   send msg sync failed:-2
-  kelvra_extend_qmi_handle_req_cb result:-3
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result -3, new_result -103
-  RIL[kelvra_nv_read:#]: result = -103, rsp.result = 0
-  RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
+  note: Error happen! error_code(-103)
 
 The system log has a copy of each debug log unless a property forbids.
 
   $ boot
   $ logged() { sed -E 's/^[-0-9]+ [0-9:.]+ +[0-9]+ +[0-9]+ //; s/:[0-9]+\]/:#]/' "$VXK_HANDSET_DIR/log/system.log"; }
   $ answer 4 6 0 /x | head -1
-  
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   $ logged
   D vxk: rild print is started
   D vxk: SUB[shell][kelvra_extend_nvefs:#] kelvra_efs_delete: kelvra_efs_delete, sub_id 0, path_len: 2
@@ -314,17 +242,23 @@ With its standard streams closed the tool sends its request, and no line goes an
   0
   [1]
 
-A handset that comes later is found.
+A handset that comes later is found, and what is printed meanwhile is not held back.
 
   $ halt
   $ export VXK_HANDSET_DIR="$CRAMTMP/h$((handsets + 1))"
   $ command vxk 4 5 0 /late 1 > "$CRAMTMP/late.out" 2> "$CRAMTMP/late.err" &
   $ until [ -s "$CRAMTMP/late.err" ]; do sleep 0.01; done
+  $ masked_log < "$CRAMTMP/late.out"
+  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 5, buf_len: 1
+  RIL[kelvra_efs_write:#]: path_value: /late
+  RIL[kelvra_efs_write:#]: send_num(1)
+  RIL[kelvra_efs_write:#]: left_num(1)
+  RIL[kelvra_efs_write:#]: data_len_all = 1, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 1
+  KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
   $ boot
   $ wait %1; efs 0/late
    01
-  $ sed -n 6p "$CRAMTMP/late.out"; tail -1 "$CRAMTMP/late.out" | grep -o 'result = .*'
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
+  $ tail -1 "$CRAMTMP/late.out" | grep -o 'result = .*'
   result = 0, rsp.result[>=0 is instance id] = 0
   $ sed "s|$VXK_HANDSET_DIR|DIR|g" "$CRAMTMP/late.err"
   vxk: waiting for QMI service 65508: no handset publishes it in DIR. Start one with: vxk-handset serve --dir DIR

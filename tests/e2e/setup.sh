@@ -45,8 +45,11 @@ vxk() {
     return $status
 }
 
-# The tool's output without log and channel lines: what a script would keep.
-answer() { vxk "$@" | grep -avE '^(RIL\[|KELVRA_QMI_NV: |QMI client inited|kelvra_extend_qmi_)' || true; }
+# The tool's output without log lines and the channel's five: what a script would keep. One transcript a road shows them.
+answer() {
+    local channel='KELVRA_QMI_NV: |QMI client inited|kelvra_extend_qmi_(send_sync resp_len|handle_req_cb result):'
+    vxk "$@" | grep -avE "^(RIL\[|$channel)" || true
+}
 
 # Output with an abort in it, without what user-mode emulation says of that.
 aborted() { grep -av '^qemu: uncaught target signal'; }
