@@ -23,7 +23,8 @@ struct Subjects {
         : files(core.folder(), profile.efs),
           extension(core, files, requests),
           cards(core, requests, profile.cards),
-          uim(core, requests, cards, profile.uim, profile.euicc),
+          slots(core, requests, cards, profile.euicc),
+          uim(core, slots, profile.uim),
           statistics(core, profile.statistics),
           sar(core, profile.sar),
           at(core),
@@ -36,6 +37,7 @@ struct Subjects {
     CommonRequests requests;
     ExtensionService extension;
     Cards cards;
+    UimSlots slots;
     UimService uim;
     StatisticsService statistics;
     SarService sar;

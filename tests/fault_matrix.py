@@ -45,7 +45,7 @@ SLEEPERS = 64
 WAITING = "vxk: waiting for "
 
 # What the handset keeps for itself: not a file of the modem, not a property.
-OWN = ("log", "state", "staging", "qmi", "lock", "diag", "at", "smd8")
+OWN = ("log", "state", "cards", "staging", "qmi", "lock", "diag", "at", "smd8")
 
 # Restarts the modem without touching a property, by common request 31 in the type, length and value form, and runs the
 # command when it is away.

@@ -2,69 +2,21 @@
 #include <chrono>
 #include <thread>
 
-#include "handset_fixture.h"
-#include "hex_text.h"
 #include "profile.h"
+#include "uim_client.h"
 
 namespace handset_test {
 namespace {
 
 using wire::Bytes;
 
-Bytes hex(const std::string& text) {
-    return handset::parse_hex(text).value();
-}
-
-std::string text_of(const Bytes& bytes) {
-    std::string text;
-    handset::append_hex(text, bytes);
-    return text;
-}
-
-std::string normal(const std::string& text) {
-    return text_of(hex(text));
-}
-
-const std::string kOk = "02 04 00 00 00 00 00 ";
 const std::string kIsdR = "A0 00 00 05 59 10 10 FF FF FF FF 89 00 00 01 00 ";
 const std::string kOpenIsdR = "01 01 00 02 10 11 00 10 " + kIsdR + "11 01 00 01";
 const std::string kReset = "80 E2 91 00 07 BF 34 04 82 02 05 E0 00";
 
-std::string refused(uint8_t error) {
-    return "02 04 00 01 00 " + text_of({error}) + " 00 ";
-}
-
 std::string opened(uint8_t channel) {
     return kOk + "10 01 00 " + text_of({channel}) + " 11 02 00 90 00 12 15 00 14 6F 12 84 10 " + kIsdR;
 }
-
-std::string apdu(uint8_t channel, const std::string& text) {
-    const auto size = static_cast<uint8_t>(hex(text).size());
-    return "01 01 00 02 02 " + text_of({static_cast<uint8_t>(size + 2)}) + " 00 " + text_of({size}) + " 00 " +
-           text + " 10 01 00 " + text_of({channel});
-}
-
-std::string response(const std::string& text) {
-    const auto size = static_cast<uint8_t>(hex(text).size());
-    return kOk + "10 " + text_of({static_cast<uint8_t>(size + 2)}) + " 00 " + text_of({size}) + " 00 " + text;
-}
-
-class UimClient : public Client {
-public:
-    explicit UimClient(const RunningHandset& handset) : Client(handset.dir(), "qmi/11") {}
-
-    void expect(uint16_t message, const std::string& request, const std::string& answer) {
-        const auto body = exchange(message, hex(request));
-        ASSERT_TRUE(body) << message << ": " << request;
-        EXPECT_EQ(text_of(*body), normal(answer)) << message << ": " << request;
-    }
-};
-
-struct Step {
-    uint16_t message;
-    std::string request;
-    std::string answer;
-};
 
 class HandsetUimTest : public testing::Test {
 protected:
@@ -142,9 +94,9 @@ TEST_F(HandsetUimTest, ChannelsAndCommands) {
         {63, "01 01 00 02 11 01 00 00", refused(48)},
         {63, "01 01 00 02 11 01 00 04", refused(48)},
         {63, "01 01 00 02", refused(17)},
-        {66, "01 01 00 02 10 06 00 05 A0 00 00 05 59", refused(16) + "11 02 00 6A 82"},
+        {66, "01 01 00 02 10 05 00 04 A0 00 00 05", refused(16) + "11 02 00 6A 82"},
         {66, "01 01 00 01 10 11 00 10 " + kIsdR, refused(16) + "11 02 00 6A 82"},
-        {66, kOpenIsdR, opened(2)},
+        {66, "01 01 00 02 10 06 00 05 A0 00 00 05 59", kOk + "10 01 00 02 11 02 00 90 00"},
 
         {59, apdu(2, keep_profiles), nothing},
         {59, apdu(2, kReset), done},
@@ -156,8 +108,9 @@ TEST_F(HandsetUimTest, ChannelsAndCommands) {
         {59, apdu(3, kReset), response("6D 00")},
         {59, apdu(1, "00 E2 91 00 07 BF 34 04 82 02 05 E0 00"), response("6D 00")},
         {59, apdu(1, "80 CA 00 5A 00"), response("6D 00")},
-        {59, apdu(1, "80 E2 91 00 03 BF 2D 00 00"), response("6D 00")},
-        {59, apdu(1, "80 E2 11 00 07 BF 34 04 82 02 05 E0 00"), response("6D 00")},
+        {59, apdu(1, "80 E2 91 00 03 BF 5F 00 00"), response("6A 88")},
+        {59, apdu(1, "80 E2 11 00 03 BF 34 04 00"), response("90 00")},
+        {59, apdu(1, "80 E2 91 01 04 82 02 05 E0 00"), nothing},
         {59, apdu(1, "90 E2 91 00 07 BF 34 04 82 02 05 E0 00"), response("6E 00")},
         {59, apdu(0, "FF FF FF FF"), response("6E 00")},
         {59, apdu(1, "80 E2 91"), response("67 00")},
@@ -226,10 +179,13 @@ TEST_F(HandsetUimTest, WiringAndProfilesOutliveEveryRestartAndChannelsNone) {
         EXPECT_EQ(common(handset, 84, card), 0);
         client.expect(66, kOpenIsdR, no_isd_r);
         client.expect(101, "01 01 00 02", refused(94));
+        client.expect(48, "01 01 00 02", kOk);
+        EXPECT_EQ(common(handset, 80, {1, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0}), 0);
         EXPECT_EQ(common(handset, 31, {0, 0x10, 0, 0}), 0);
         EXPECT_TRUE(client.receive()->empty());
         ASSERT_TRUE(published(handset));
         UimClient later(handset);
+        later.expect(66, "01 01 00 01", kOk + "10 01 00 01 11 02 00 90 00");
         later.expect(66, kOpenIsdR, no_isd_r);
         EXPECT_EQ(common(handset, 84, euicc), 0);
         later.expect(66, kOpenIsdR, opened(1));
@@ -298,6 +254,13 @@ TEST_F(HandsetUimTest, RefusesAProfileWithItsPlace) {
         {R"({"euicc": {"eid": "8"}})",
          "p: /euicc/eid: expected at most 255 bytes as hexadecimal pairs (\"01 02 FF\"), found \"8\""},
         {R"({"uim": {"indications": [{}]}})", "p: /uim/indications/0: the key \"before\" is missing"},
+        {R"({"euicc": {"profiles": ["8900101234567890123", {"iccid": "8900101234567890123"}]}})",
+         "p: /euicc/profiles: the ICCID \"8900101234567890123\" stands twice"},
+        {R"({"euicc": {"profiles": [7]}})", "p: /euicc/profiles/0: expected a text or an object, found 7"},
+        {R"({"cards": {"slots": [{"files": {"3F00/2FE2/1": "00"}}]}})",
+         "p: /cards/slots/0/files/3F00~12FE2~11: no place for a file (\"3F00/2FE2\", \"3F00/7FFF/6F46\")"},
+        {R"({"cards": {"slots": [{"pin": "123"}]}})",
+         "p: /cards/slots/0/pin: \"123\" is not a code of 4 to 8 digits"},
         {R"({"cards": {"slots": [{"error": 256}]}})",
          "p: /cards/slots/0/error: expected a whole number from 0 to 255, found 256"},
     };

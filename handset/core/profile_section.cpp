@@ -344,6 +344,34 @@ void Section::texts(const char* key, std::vector<std::string>& values, size_t lo
     }
 }
 
+void Section::texts_or_objects(const char* key, size_t longest,
+                               const std::function<void(const std::string&)>& text, const Read& object) {
+    const Json* found = node_.find(key);
+    if (found == nullptr)
+        return;
+    const std::string place = node_.place_of(key);
+    if (!found->is_array() || found->size() > longest)
+        node_.refuse_type(
+            place, ("a list of at most " + std::to_string(longest) + " texts and objects").c_str(), *found);
+    for (size_t i = 0; i < found->size(); ++i) {
+        const Json& entry = (*found)[i];
+        const std::string entry_place = place + "/" + std::to_string(i);
+        if (entry.is_string())
+            text(entry.get<std::string>());
+        else if (entry.is_object())
+            Node::read_object(entry, node_.file, entry_place, object);
+        else
+            node_.refuse_type(entry_place, "a text or an object", entry);
+    }
+}
+
+std::vector<std::string> Section::keys() const {
+    std::vector<std::string> keys;
+    for (const auto& entry : node_.json.items())
+        keys.push_back(entry.key());
+    return keys;
+}
+
 void Section::fail(const std::string& key, const std::string& why) const {
     node_.refuse(node_.place_of(key), why);
 }

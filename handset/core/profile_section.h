@@ -92,6 +92,13 @@ public:
     void integers(const char* key, std::vector<uint64_t>& values, size_t longest, uint64_t highest);
     void texts(const char* key, std::vector<std::string>& values, size_t longest);
 
+    /// A list whose entries are texts or objects, `text` or `object` once for each.
+    void texts_or_objects(const char* key, size_t longest,
+                          const std::function<void(const std::string&)>& text, const Read& object);
+
+    /// The names of all keys, for an object whose keys are of the writer's choice. Each must still be taken.
+    std::vector<std::string> keys() const;
+
     /// Refuses the value of a key, or with an empty key the whole section.
     [[noreturn]] void fail(const std::string& key, const std::string& why) const;
 

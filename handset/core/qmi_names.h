@@ -19,10 +19,12 @@ enum QmiError : uint16_t {
     kQmiErrorInternal = 3,
     kQmiErrorSimFileNotFound = 16,
     kQmiErrorMissingArgument = 17,
+    kQmiErrorNoEffect = 26,
     kQmiErrorInvalidArgument = 48,
     kQmiErrorDeviceNotReady = 52,
     kQmiErrorInvalidMessage = 71,
     kQmiErrorInformationUnavailable = 74,
+    kQmiErrorAccessDenied = 82,
     kQmiErrorNotSupported = 94,
 };
 

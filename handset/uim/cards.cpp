@@ -37,6 +37,7 @@ void read_profile(Section& section, CardsProfile& cards) {
         SlotProfile& profile = cards.slots.emplace_back();
         slot.boolean("present", profile.present);
         slot.integer("error", profile.error);
+        read_card(slot, profile.card);
     });
 }
 

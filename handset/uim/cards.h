@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "card_profile.h"
 #include "common_request.h"
 #include "event_loop.h"
 
@@ -20,6 +21,7 @@ struct SlotProfile {
     bool present = true;
     /// The error of a card that does not work, as the card status tells it.
     std::optional<uint8_t> error;
+    CardProfile card;
 };
 
 struct CardsProfile {

@@ -1,31 +1,16 @@
-// The embedded eUICC: whether slot 2 is wired to it, its EID, and the list of profiles in it, which its
-// profile manager, the ISD-R, deletes on demand. Wiring and list outlive the modem and the handset.
+// The embedded eUICC: whether slot 2 is wired to it, its EID, and the card that it is: the enabled profile's
+// files, beside the ISD-R, which manages the profiles.
 #pragma once
 
-#include <chrono>
-#include <string>
-#include <vector>
+#include <functional>
 
-#include "wire.h"
+#include "card.h"
+#include "euicc_memory.h"
+#include "isd_r.h"
 
 namespace handset {
 
 class Core;
-class Section;
-
-struct EuiccProfile {
-    /// Whether slot 2 is wired to it as long as nobody has said otherwise.
-    bool wired = true;
-    /// As it is sent: an eUICC has 16 bytes, whose 32 digits give 1 modulo 97.
-    wire::Bytes eid = {0x89, 0x04, 0x90, 0x32, 0x00, 0x10, 0x01, 0x00,
-                       0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x23};
-    /// How long after power-up the EID can be had.
-    std::chrono::milliseconds eid_time{0};
-    /// ICCIDs.
-    std::vector<std::string> profiles = {"8900101234567890123"};
-};
-
-void read_profile(Section& section, EuiccProfile& euicc);
 
 class Euicc {
 public:
@@ -34,26 +19,32 @@ public:
 
     /// Takes up what an earlier handset in this folder has left.
     Euicc(Core& core, const EuiccProfile& profile);
+    Euicc(const Euicc&) = delete;
+    Euicc& operator=(const Euicc&) = delete;
 
-    bool wired() const { return wired_; }
-    void wire(bool wired);
+    bool wired() const { return memory_.wired(); }
+
+    /// False when that could not be kept, and then has not happened.
+    bool wire(bool wired) { return memory_.wire(wired); }
 
     const EuiccProfile& profile() const { return profile_; }
-    bool has_profiles() const { return !profiles_.empty(); }
+    Card& card() { return card_; }
+    const Card& card() const { return card_; }
 
-    static bool is_isd_r(wire::View aid);
-
-    /// The ISD-R's response to an APDU of at least four bytes, status words included.
-    wire::Bytes transmit(wire::View apdu);
+    /// Called once the command that changed the enabled profile is answered; with `refresh`, the card is to
+    /// begin anew.
+    void on_change(std::function<void(bool refresh)> action) { change_action_ = std::move(action); }
 
 private:
-    wire::Bytes reset_memory(wire::View command);
-    void keep() const;
+    CardContent content();
+    void profile_changed(bool refresh);
 
     Core& core_;
     const EuiccProfile& profile_;
-    bool wired_;
-    std::vector<std::string> profiles_;
+    EuiccMemory memory_;
+    IsdR isd_r_;
+    Card card_;
+    std::function<void(bool)> change_action_;
 };
 
 }  // namespace handset

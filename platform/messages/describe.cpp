@@ -42,6 +42,19 @@ std::optional<std::string> cards_in(wire::View status) {
     return text;
 }
 
+// "3F00/2FE2".
+std::string file_path(wire::View directories, uint16_t file) {
+    wire::Reader reader(directories);
+    std::string path;
+    char id[8];
+    while (reader.left() > 1) {
+        snprintf(id, sizeof id, "%04X/", reader.u16());
+        path += id;
+    }
+    snprintf(id, sizeof id, "%04X", file);
+    return path + id;
+}
+
 void describe_record(uint32_t id, wire::View value, Sink& sink) {
     const Record* known = record(id);
     size_t size = 0;
@@ -247,6 +260,14 @@ bool describe_field(const Field& field, wire::View value, const QmiMessage& mess
             if (!reader.ok() || reader.left() != count)
                 return false;
             sink.bytes(field.name, reader.rest());
+            return true;
+        }
+        case Form::kFile: {
+            const uint16_t file = reader.u16();
+            const wire::View directories = reader.bytes(reader.u8());
+            if (!reader.ok() || reader.left() > 0)
+                return false;
+            sink.text(field.name, file_path(directories, file));
             return true;
         }
         case Form::kCards: {

@@ -15,6 +15,10 @@ constexpr Field kSlot{0x01, kNumber, "slot"};
 constexpr Field kResult{0x02, Form::kResult, "result"};
 constexpr Field kFailure{0x02, Form::kFailure, "result"};
 constexpr Field kStatusWords{0x11, Form::kBytes, "sw"};
+constexpr Field kSession{0x01, Form::kBytes, "session"};
+constexpr Field kFile{0x02, Form::kFile, "file"};
+constexpr Field kCardResult{0x10, Form::kBytes, "sw"};
+constexpr Field kContent{0x11, Form::kLongBytes, "content"};
 constexpr Field kId{0x01, kNumber, "id"};
 constexpr Field kLength{0x02, kNumber, "data_len"};
 constexpr Field kPayload{0x10, Form::kPayload, "data"};
@@ -22,6 +26,26 @@ constexpr Field kPayload{0x10, Form::kPayload, "data"};
 // Service, number, name; then the TLVs of the request, the response and the indication, in the order in which
 // they travel: type, form, name.
 constexpr Message kMessages[] = {
+    {kUim, 0, "reset", {}, {kFailure}},
+    {kUim, 30, "get_supported_messages", {}, {kFailure, {0x10, Form::kLongBytes, "messages"}}},
+    {kUim,
+     32,
+     "read_transparent",
+     {kSession, kFile, {0x03, Form::kBytes, "range"}},
+     {kFailure, kCardResult, kContent}},
+    {kUim,
+     33,
+     "read_record",
+     {kSession, kFile, {0x03, Form::kBytes, "record"}},
+     {kFailure, kCardResult, kContent}},
+    {kUim,
+     36,
+     "get_file_attributes",
+     {kSession, kFile},
+     {kFailure, kCardResult, {0x11, Form::kBytes, "attributes"}}},
+    {kUim, 42, "refresh_register", {kSession}, {kFailure}},
+    {kUim, 44, "refresh_complete", {kSession}, {kFailure}},
+    {kUim, 46, "register_events", {{0x01, kNumber, "events"}}, {kFailure, {0x10, kNumber, "events"}}},
     {kUim,
      47,
      "get_card_status",
@@ -29,6 +53,8 @@ constexpr Message kMessages[] = {
      {kFailure, {0x10, Form::kCards, "cards"}, {0x15, Form::kCards, "extended_cards"}}},
     {kUim, 48, "power_down", {kSlot}, {kFailure}},
     {kUim, 49, "power_up", {kSlot, {0x10, kNumber, "ignore_hotswap"}, {0x11, kNumber, "option"}}, {kFailure}},
+    {kUim, 50, "card_status", {}, {}, {{0x10, Form::kCards, "cards"}}},
+    {kUim, 51, "refresh", {}, {}, {{0x10, Form::kBytes, "event"}}},
     {kUim,
      59,
      "send_apdu",
@@ -47,6 +73,10 @@ constexpr Message kMessages[] = {
      "open_logical_channel",
      {kSlot, {0x10, Form::kCountedBytes, "aid"}, {0x11, kNumber, "fci"}},
      {kFailure, {0x10, kNumber, "channel"}, kStatusWords, {0x12, Form::kCountedBytes, "select"}}},
+    {kUim, 68, "refresh_register_all", {kSession}, {kFailure}},
+    {kUim, 70, "switch_slot", {kSlot, {0x02, kNumber, "physical_slot"}}, {kFailure}},
+    {kUim, 71, "get_slot_status", {}, {kFailure}},
+    {kUim, 72, "slot_status"},
     {kUim, 97, "recovery", {}, {}, {{0x01, kNumber, "first"}, {0x02, kNumber, "second"}}},
     {kUim, 101, "get_eid", {kSlot}, {kFailure, {0x10, Form::kCountedBytes, "eid"}}},
 

@@ -27,6 +27,7 @@ enum class Form : uint8_t {
     kCountedBytes,  // u8 count, then as many bytes
     kLongBytes,     // u16 count, then as many bytes
     kCards,         // a card status
+    kFile,          // u16 file of a card, u8 count and as many bytes: the directories above it
     kPayload,       // of the extension service
     kValues,        // u8 count; u16 sub, u16 type, u32 id, u16 length and value each
     kReports,       // u8 count; u32 id, u16 first, u16 second, u16 length and value each

@@ -510,7 +510,7 @@ Indications: 97 is decoded, others are only logged.
   $ grep -o 'qmi/uim 1 <- indication .*' "$VXK_HANDSET_DIR/log/wire.log"
   qmi/uim 1 <- indication recovery(97) #0 first=0 second=0 tlvs=[01 04 00 00 00 00 00 02 04 00 00 00 00 00]
   qmi/uim 1 <- indication recovery(97) #0 first=7 tlvs=[01 04 00 07 00 00 00]
-  qmi/uim 1 <- indication message(50) #0 tlvs=[01 04 00 00 00 00 00 02 04 00 00 00 00 00]
+  qmi/uim 1 <- indication card_status(50) #0 tlvs=[01 04 00 00 00 00 00 02 04 00 00 00 00 00]
   $ grep -oE 'SUB.*(:3[0-9][0-9]\]) .*_cb: [a-z]*' "$VXK_HANDSET_DIR/log/system.log"
   SUB[shell][kelvra_extend_cmn:323] kelvra_uim_qmi_client_unsol_ind_cb: msg
   SUB[shell][kelvra_extend_cmn:340] kelvra_uim_qmi_client_unsol_ind_cb: qmi
