@@ -93,25 +93,6 @@ protected:
     unsigned char room[3] = {};
 };
 
-TEST_F(DiagClient, OpensOnResultOneAlone) {
-    listener.reset();
-    EXPECT_FALSE(Diag_LSM_Init(nullptr));
-    listener.emplace(folder.path("diag"));
-    for (const Bytes& answer : {Bytes{0x81}, Bytes{0x81, 0, 0, 0, 0}, Bytes{0x81, 1, 0, 0}, Bytes{}}) {
-        auto opened = std::async(std::launch::async, [] { return Diag_LSM_Init(nullptr); });
-        peer = listener->accept();
-        peer->receive();
-        answer.empty() ? peer->close() : peer->send(answer);
-        EXPECT_FALSE(opened.get());
-    }
-    open();
-    EXPECT_TRUE(Diag_LSM_Init(nullptr)) << "open already";
-    EXPECT_TRUE(Diag_LSM_DeInit());
-    EXPECT_TRUE(peer->receive().empty());
-    EXPECT_FALSE(Diag_LSM_DeInit());
-    open();
-}
-
 TEST_F(DiagClient, DeliversEventsInOrder) {
     open();
     diag_register_callback(on_response, &zero);
@@ -131,26 +112,6 @@ TEST_F(DiagClient, DeliversEventsInOrder) {
         << "a piece is cut to the packet's room";
     peer->send({0x89, 0xe9, 3, 0, 0});
     EXPECT_EQ(sent.get(), 1001);
-}
-
-// A callback that uses the library itself.
-int use_library(unsigned char*, int, void*) {
-    unsigned char byte = 3;
-    note(Diag_LSM_DeInit() ? "closed" : "open", &byte, diag_callback_send_data(0, &byte, 1));
-    int client = 4;
-    note("released", &byte, diag_release_dci_client(&client) == 1001 ? 1 : 0);
-    return 0;
-}
-
-TEST_F(DiagClient, CallbacksMayUseIt) {
-    open();
-    diag_register_callback(use_library, nullptr);
-    peer->send({0x40, 0});
-    EXPECT_EQ(peer->receive(), (Bytes{4, 0, 0, 0, 0, 3}));
-    peer->send({0x84, 1, 0, 0, 0});
-    EXPECT_EQ(peer->receive(), (Bytes{10, 4, 0, 0, 0}));
-    peer->send({0x8a, 0xe9, 3, 0, 0});
-    EXPECT_THAT(calls(2), ElementsAre("open 3", "released 3"));
 }
 
 TEST_F(DiagClient, LosesItsConnection) {

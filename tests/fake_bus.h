@@ -27,7 +27,6 @@ public:
     /// The far end of one socket.
     struct Seat {
         std::shared_ptr<host::UniqueFd> end;
-        uint32_t port = 0;
         uint32_t service = 0;  // that it asked the name service for
 
         void send(const host::QrtrAddress& from, wire::View packet) const {
@@ -71,13 +70,9 @@ public:
         if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
             return -1;
         const std::lock_guard<std::mutex> lock(mutex_);
-        newest_ = {std::make_shared<host::UniqueFd>(ends[1]), ++last_port_, 0};
+        newest_ = {std::make_shared<host::UniqueFd>(ends[1])};
         seats_[ends[0]] = newest_;
         return ends[0];
-    }
-    uint32_t port(int fd) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return seats_[fd].port;
     }
     ssize_t send(int fd, const void* bytes, size_t size, const host::QrtrAddress& to) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -126,7 +121,6 @@ private:
     std::map<int, Seat> seats_;  // by the near end
     Seat newest_;
     std::vector<host::QrtrNews> servers_;
-    uint32_t last_port_ = 0x4000;
 };
 
 extern "C" int socket(int family, int type, int protocol) noexcept {
@@ -137,8 +131,8 @@ extern "C" int socket(int family, int type, int protocol) noexcept {
 extern "C" int bind(int fd, const sockaddr* address, socklen_t size) noexcept {
     return address->sa_family == AF_QIPCRTR ? 0 : static_cast<int>(syscall(SYS_bind, fd, address, size));
 }
-extern "C" int getsockname(int fd, sockaddr* address, socklen_t*) noexcept {
-    *reinterpret_cast<sockaddr_qrtr*>(address) = {AF_QIPCRTR, FakeBus::kOwnNode, FakeBus::get().port(fd)};
+extern "C" int getsockname(int, sockaddr* address, socklen_t*) noexcept {
+    *reinterpret_cast<sockaddr_qrtr*>(address) = {AF_QIPCRTR, FakeBus::kOwnNode, 0x4000};
     return 0;
 }
 extern "C" ssize_t sendto(int fd, const void* bytes, size_t size, int, const sockaddr* address, socklen_t) {
