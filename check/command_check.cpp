@@ -44,6 +44,9 @@ Result check_command(const Handset& handset, const std::vector<std::string>& wor
     }
     result.run = run_tool(handset, telling_form(words), rules.limit);
     result.judgement = judge(row, result.run, rules.limit);
+    // Without the log the tool says no more.
+    if (result.judgement.reason == "value=FAILED" && number_of(words[3]) == 0)
+        result.judgement.reason += "; vxk " + command_text({words[0], words[1], words[2], "1"}) + " says why";
     if (result.judgement.verdict == Verdict::kSuccess && !rules.expect.empty() &&
         !answer_has(result.run, rules.expect))
         fail(result.judgement, "the answer has no \"" + rules.expect + "\"");

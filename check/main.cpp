@@ -65,7 +65,8 @@ int print_table(const std::string& form, const std::vector<std::string>& command
 void write_report(const std::string& path, const std::string& text) {
     if (path.empty())
         return;
-    std::ofstream file(path);
+    // Without a text it is only seen whether there can be one.
+    std::ofstream file(path, text.empty() ? std::ios::app : std::ios::trunc);
     file << text;
     file.close();
     if (!file)
@@ -91,14 +92,15 @@ int run_steps(const Options& options, const std::vector<Handset>& handsets, cons
             fprintf(stderr, "\r%zu of %zu steps on %zu handsets%s", done, all, handsets.size(),
                     done == all ? "\r\x1b[K" : "");
     });
-    if (interrupted() != 0)
-        end_by(interrupted());
     if (options.json)
         puts(json_text(report_json(steps, results)).c_str());
     else
         fputs(report_table(steps, results).c_str(), stdout);
     write_report(options.junit, report_junit(steps, results));
     write_report(options.html, report_html(steps, results));
+    fflush(stdout);
+    if (interrupted() != 0)
+        end_by(interrupted());
     return static_cast<int>(worst(results));
 }
 

@@ -120,15 +120,16 @@ std::vector<HandsetResults> run_plan(const std::vector<Handset>& handsets, const
         all[i].name = handsets[i].name;
         threads.emplace_back([&, i] {
             for (const Step& step : steps) {
-                if (interrupted() != 0)
-                    return;
                 Rules step_rules = rules;
                 if (!step.expect.empty())
                     step_rules.expect = step.expect;
                 // What cannot be proven is not refused for the sake of the steps that can.
                 const Row* row = find_row(step.words);
                 step_rules.verify = rules.verify && row && row->proof != Proof::kNone;
-                all[i].results.push_back(check_command(handsets[i], step.words, step_rules));
+                Result result = check_command(handsets[i], step.words, step_rules);
+                if (interrupted() != 0)
+                    return;
+                all[i].results.push_back(std::move(result));
                 const std::lock_guard<std::mutex> lock(mutex);
                 progress(++done);
             }
@@ -144,6 +145,10 @@ Verdict worst(const HandsetResults& handset) {
     for (const Result& result : handset.results)
         verdict = std::max(verdict, result.judgement.verdict);
     return verdict;
+}
+
+std::string verdict_of(const HandsetResults& handset, const std::vector<Step>& steps) {
+    return handset.results.size() < steps.size() ? "unfinished" : verdict_name(worst(handset));
 }
 
 Verdict worst(const std::vector<HandsetResults>& handsets) {

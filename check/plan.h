@@ -43,4 +43,7 @@ std::vector<HandsetResults> run_plan(const std::vector<Handset>& handsets, const
 Verdict worst(const std::vector<HandsetResults>& handsets);
 Verdict worst(const HandsetResults& handset);
 
+/// The name of a handset's worst verdict; "unfinished" where steps have no result.
+std::string verdict_of(const HandsetResults& handset, const std::vector<Step>& steps);
+
 }  // namespace check

@@ -23,7 +23,7 @@ th { background: #f3f5f7; }
 td small, th small { color: #57606a; display: block; font-weight: 400; }
 td b { display: block; font-weight: 400; white-space: nowrap; }
 .success { color: #116329; }
-.failure, .refused, .timeout, .died { color: #a40e26; font-weight: 600; }
+.failure, .refused, .timeout, .died, .unfinished { color: #a40e26; font-weight: 600; }
 summary { cursor: pointer; min-width: 10em; max-width: 26em; }
 pre { background: #f6f8fa; padding: .6em; overflow-x: auto; font-size: 13px; font-weight: 400; color: #1b1f24; }
 .charts { display: flex; flex-wrap: wrap; gap: .6em 2em; }
@@ -74,7 +74,7 @@ std::string table(const std::vector<Step>& steps, const std::vector<HandsetResul
              << "</small></th>";
     text << "</tr>\n";
     for (const HandsetResults& handset : handsets) {
-        const char* const verdict = verdict_name(worst(handset));
+        const std::string verdict = verdict_of(handset, steps);
         text << "<tr><th>" << markup_text(handset.name) << "</th><td class=\"" << verdict << "\">" << verdict
              << "</td>";
         for (const Result& result : handset.results)
@@ -144,9 +144,10 @@ std::string charts(const std::vector<Step>& steps, const std::vector<HandsetResu
 }  // namespace
 
 std::string report_html(const std::vector<Step>& steps, const std::vector<HandsetResults>& handsets) {
-    const auto good = std::count_if(handsets.begin(), handsets.end(), [](const HandsetResults& handset) {
-        return worst(handset) == Verdict::kSuccess;
-    });
+    const auto good =
+        std::count_if(handsets.begin(), handsets.end(), [&steps](const HandsetResults& handset) {
+            return verdict_of(handset, steps) == verdict_name(Verdict::kSuccess);
+        });
     return kHead +
            ("<h1>" + std::to_string(good) + " of " + std::to_string(handsets.size()) +
             " handsets succeed</h1>\n") +

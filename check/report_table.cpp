@@ -21,7 +21,7 @@ std::string report_table(const std::vector<Step>& steps, const std::vector<Hands
     for (const Step& step : steps)
         rows[0].push_back(step.name);
     for (const HandsetResults& handset : handsets) {
-        rows.push_back({handset.name, verdict_name(worst(handset))});
+        rows.push_back({handset.name, verdict_of(handset, steps)});
         for (const Result& result : handset.results)
             rows.back().push_back(cell_text(result));
     }
@@ -53,7 +53,7 @@ Json report_json(const std::vector<Step>& steps, const std::vector<HandsetResult
             results.push_back(entry);
         }
         list.push_back(
-            {{"handset", handset.name}, {"verdict", verdict_name(worst(handset))}, {"steps", results}});
+            {{"handset", handset.name}, {"verdict", verdict_of(handset, steps)}, {"steps", results}});
     }
     return {{"verdict", verdict_name(worst(handsets))}, {"handsets", list}};
 }

@@ -115,6 +115,7 @@ A sick modem, a profile a line, and what does not stop with the tool's own words
   > 5 10 3 0|"euicc": {"eid": "89049032001001000000000000000024"}
   > 5 10 3 0|"euicc": {"eid": "8904903200100100000000ABCDEF0067"}
   > 5 10 1 0|"euicc": {"eid": "89049032001001000000000000000024"}
+  > 5 10 2 0|"faults": [{"service": "uim", "action": "close"}]
   > 5 5|"faults": [{"service": "sar", "action": "cut", "keep": 7}]
   > 5 0 1 0 200 0|"diag": {"responses": [{"silent": true}]}
   > 7 1 0|"debug": {"main": {"g_unpk_version_not_support_num": 1}, "not_supported_logs": [1, 2]}
@@ -135,6 +136,7 @@ A sick modem, a profile a line, and what does not stop with the tool's own words
   5 10 3 0: 1 failure ["the EID's check digits are wrong: 89049032001001000000000000000024"]
   5 10 3 0: 1 failure ["the EID's check digits are wrong: 8904903200100100000000abcdef0067"]
   5 10 1 0: 1 failure ["the EID's check digits are wrong: 89049032001001000000000000000024"]
+  5 10 2 0: 1 failure ["value=FAILED; vxk 5 10 2 1 says why"]
   5 5: 1 failure ["the modem's answer has no DSI"]
   5 0 1 0 200 0: 1 failure ["no diag response within the command's time"]
   7 1 0: 1 failure ["the statistics feature meets diag logs that it does not know: 2"]
@@ -269,6 +271,15 @@ Command lines of vxk-check, and plans that are wrong.
   Run with --help for more information.
   2
 
+Interrupted, a plan kills what it runs and shows what it has.
+
+  $ echo 5 1 > short; program 'echo $$ > first; exec sleep 1000'
+  $ vxk-check --vxk "$CRAMTMP/tool" --handset qrtr --plan short > partial & checking=$!
+  $ eventually test -s first; kill -INT $checking; wait $checking; echo $?; eventually test ! -e "/proc/$(cat first)"; cat partial
+  130
+  handset  verdict     5 1
+  qrtr     unfinished
+
 A plan on three handsets at once: a table, one object, a file for the build server and a page, as a browser has it.
 
   $ cat > plan <<'END'
@@ -311,8 +322,8 @@ A plan on three handsets at once: a table, one object, a file for the build serv
   details 6
   svg 5
   rect 5
-  $ grep -c '&lt;h2&gt;' dom.html; grep -c 'https\?://' dom.html
-  3
+  $ grep -c '<th>folder:.*&lt;h2&gt;</th>' dom.html; grep -c 'https\?://' dom.html
+  1
   0
   [1]
 
