@@ -243,7 +243,7 @@ TEST_F(CardTest, AnswersTheProfileManagersFunctions) {
         });
     handset.stop(SIGKILL);
 
-    const RunningHandset later(place_);
+    RunningHandset later(place_);
     UimClient next(later);
     next.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
     EXPECT_EQ(next.command(2, 0, "00 B0 82 00 0A"), normal(lab.substr(6) + "90 00"));
@@ -261,6 +261,12 @@ TEST_F(CardTest, AnswersTheProfileManagersFunctions) {
                         {"BF 2D 00", "BF 2D 02 A0 00"},
                     });
     EXPECT_EQ(next.command(2, 0, "00 B0 82 00 0A"), "6A 82");
+    later.stop(SIGKILL);
+
+    const RunningHandset last(place_);
+    UimClient end(last);
+    end.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
+    play_es10(end, {{"BF 2D 00", "BF 2D 02 A0 00"}});
 }
 
 TEST_F(CardTest, RefusesRequestsThatDoNotReadAndChainsThoseThatAreLong) {

@@ -30,6 +30,7 @@ public:
     const EuiccProfile& profile() const { return profile_; }
     Card& card() { return card_; }
     const Card& card() const { return card_; }
+    wire::View isd_r_aid() const { return isd_r_.aid(); }
 
     /// Called once the command that changed the enabled profile is answered; with `refresh`, the card is to
     /// begin anew.
