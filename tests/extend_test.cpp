@@ -39,32 +39,6 @@ protected:
     }
 };
 
-TEST_F(ConnectionDeathTest, WaitsUntilTheServiceIsPublished) {
-    int published = 0;
-    platform().signal_wait = [&](unsigned timeout_ms) {
-        ++published;
-        return static_cast<int>(timeout_ms);
-    };
-    platform().get_service_list = [&](qmi_service_info* array, unsigned* entries, unsigned* services) {
-        // More instances than anybody has room for: the room is what counts.
-        *services = published < 2 ? 0 : 40;
-        if (array != nullptr) {
-            EXPECT_LE(*entries, 10U);
-        }
-        return published < 2 ? -2 : 0;
-    };
-    EXPECT_EXIT(
-        run("KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0\n"
-            "KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0\n"
-            "KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 40\n"
-            "KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 10 num_services = 40\n"
-            "QMI client inited\n"
-            "kelvra_extend_qmi_send_sync resp_len:0\n" +
-                finished(0),
-            [] { EXPECT_EQ(send_byte(), 0); }),
-        testing::ExitedWithCode(0), "");
-}
-
 TEST_F(ConnectionDeathTest, RetriesAFailedConnectionAndKeepsAGoodOne) {
     int notifiers = 0;
     int attempts = 0;
@@ -131,23 +105,6 @@ TEST_F(ExtendTest, RefusesBadArguments) {
         EXPECT_EQ(result, -1) << c.printed;
     }
     EXPECT_TRUE(platform().requests.empty());
-}
-
-TEST_F(ExtendTest, SendsAFullPayload) {
-    std::vector<uint8_t> data(512, 0xA5);
-    data[511] = 0x5A;
-    uint8_t rsp[1];
-    uint32_t rsp_len = 0;
-    printed_by([&] { EXPECT_EQ(kelvra_extend_qmi_send_sync(5, data.data(), 512, rsp, &rsp_len), 0); });
-    ASSERT_EQ(platform().requests.size(), 1U);
-    const QmiRequest& request = platform().requests[0];
-    EXPECT_EQ(request.message, 2U);
-    EXPECT_EQ(request.timeout_ms, 3000U);
-    EXPECT_EQ(request.response_len, 524U);
-    ASSERT_EQ(request.bytes.size(), 524U);
-    EXPECT_EQ(request_id_of(request), 5U);
-    EXPECT_EQ(request.bytes[8], 1);
-    EXPECT_EQ(payload_of(request), data);
 }
 
 TEST_F(ExtendTest, Answers) {

@@ -2,8 +2,10 @@
 // lines that a group refuses.
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "groups.h"
+#include "hex_dump.h"
 #include "kelvra_log.h"
 #include "kelvra_parse.h"
 #include "platform_test.h"
@@ -142,6 +144,25 @@ TEST_F(Front, RefusedCommandLines) {
     for (const auto& c : cases)
         EXPECT_EQ(printed_by([&c] { run_line(c.run, c.line); }), c.note + help(c.group)) << c.line;
     EXPECT_TRUE(platform().requests.empty());
+}
+
+// An indication that is printed meanwhile, on another thread, does not tear an answer.
+TEST_F(Front, AnAnswerIsOnePiece) {
+    const uint8_t bytes[] = {0xAB};
+    const std::string printed = printed_by([&] {
+        std::thread other([] {
+            for (int i = 0; i < 2000; ++i)
+                puts("indication");
+        });
+        for (int i = 0; i < 2000; ++i)
+            print_data("data: ", bytes, 1);
+        other.join();
+    });
+    size_t whole = 0;
+    const std::string answer = "\ndata len(1)\ndata:  AB\n";
+    for (size_t at = printed.find(answer); at != std::string::npos; at = printed.find(answer, at + 1))
+        ++whole;
+    EXPECT_EQ(whole, 2000U);
 }
 
 TEST_F(Front, QuietGroupRefusesWithTheHelpAlone) {

@@ -109,39 +109,6 @@ TEST_F(NvEfsTest, Refusals) {
     EXPECT_EQ(exchanges(), 0U);
 }
 
-TEST_F(NvEfsTest, EveryOperationFailsAsTheModemDoes) {
-    uint8_t buf[8] = {};
-    uint32_t len = 0;
-    const std::string channel_fail = "kelvra_extend_qmi_send_sync fail";
-    const struct {
-        const char* name;
-        std::string channel_line;
-        int positive;  // the outcome of a positive result
-        std::function<int()> operation;
-    } cases[] = {
-        {"efs read", channel_fail + ", ABORT", 3,
-         [&] { return kelvra_efs_read(0, "a", 1, buf, &(len = 8)); }},
-        {"efs write", channel_fail, 0, [&] { return kelvra_efs_write(0, "a", 1, buf, 8); }},
-        {"efs delete", channel_fail, 3, [&] { return kelvra_efs_delete(0, "a", 1); }},
-        {"nv read", channel_fail, 3, [&] { return kelvra_nv_read(0, 1, buf, &(len = 8)); }},
-        {"nv write", channel_fail, 3, [&] { return kelvra_nv_write_ex(0, 1, buf, 8); }},
-        {"nv delete", channel_fail, 3, [&] { return kelvra_nv_delete(0, 1); }},
-    };
-    for (const auto& c : cases) {
-        answer_with(std::nullopt);
-        EXPECT_EQ(run(c.operation), -103) << c.name;
-        EXPECT_TRUE(logged(c.channel_line)) << log;
-        answer_with(Bytes(19));
-        EXPECT_EQ(run(c.operation), -103) << c.name;
-        EXPECT_TRUE(logged("qmi response fail")) << log;
-        answer_with(response(8, 8, -2, Bytes(8)));
-        EXPECT_EQ(run(c.operation), -2) << c.name;
-        EXPECT_TRUE(logged("qmi response fail")) << log;
-        answer_with(response(8, 8, 3, Bytes(8)));
-        EXPECT_EQ(run(c.operation), c.positive) << c.name;
-    }
-}
-
 TEST_F(NvEfsTest, HowAReadEnds) {
     struct Chunk {
         uint32_t data_len_cur;

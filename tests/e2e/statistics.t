@@ -91,17 +91,30 @@ Every session is a connection of its own: the feature, then one value. Nothing i
   qmi/statistics 35 <- response feature(3) #1 result=0 error=0
   qmi/statistics 35 -- closed
 
-Values that the modem would not send: not a number, infinite, negative, longer than the record, cut in a field.
+Values that the modem would not send: not a number, infinite, negative, longer than the record, cut in a field or
+between two.
 
   $ boot '{"statistics": {"values": [
   >   {"id": 94, "rssi0": "nan", "rssi1": "inf", "rssi2": "-inf", "rssi3": -3e38},
   >   {"id": 112, "snr0": 0.004, "snr1": -0.004, "snr2": 0.125, "snr3": 1e10},
-  >   {"id": 82, "earfcn": 4294967295, "pci": 65535, "rx_valid": 65535, "length": 700}, {"id": 105, "length": 74}]}}'
-  $ for opt in 7 8 0 3; do vxk 9 $opt 0 | tail -1; done
+  >   {"id": 82, "earfcn": 4294967295, "pci": 65535, "rx_valid": 65535, "length": 700},
+  >   {"id": 103, "length": 1}, {"id": 104, "length": 5}, {"id": 105, "length": 74}, {"id": 106, "length": 75},
+  >   {"id": 113, "length": 3}, {"id": 135, "length": 4}, {"id": 110, "raw": "01 00 00 80 3F 00 00"},
+  >   {"id": 6, "length": 23}, {"id": 111, "length": 5}, {"id": 100, "length": 7}]}}'
+  $ for opt in 7 8 0 1 2 3 4 9 10 20 11 21 30; do vxk 9 $opt 0 | tail -1; done
   ASDIV DATA: rssi_rx0: nan, rssi_rx1: inf, rssi_rx2: -inf, rssi_rx3: -300000000549775575777803994281145270272.00
   ASDIV DATA: snr_rx0: 0.00, snr_rx1: -0.00, snr_rx2: 0.12, snr_rx3: 10000000000.00
   ASDIV DATA: earfcn: -1, pci: 65535, rx_valid: 65535, rsrp_rx0: -85.50, rsrq_rx0: -9.25, rssi_rx0: -56.50, snr_rx0: 21.50, rsrp_rx1: -87.25, rsrq_rx1: -10.00, rssi_rx1: -58.25, snr_rx1: 19.75, rsrp_rx2: -91.50, rsrq_rx2: -11.75, rssi_rx2: -62.75, snr_rx2: 16.50, rsrp_rx3: -92.25, rsrq_rx3: -12.50, rssi_rx3: -63.50, snr_rx3: 15.25
+  g_kolvo_data_left(0) is not enough for version_ssmr, id(0x67)
+  g_kolvo_data_left(3) is not enough for earfcn, id(0x68)
   g_kolvo_data_left(3) is not enough for snr_rx3, id(0x69)
+  ASDIV DATA: earfcn: 1684, pci: 237, rx_valid: 15, rsrp_rx0: -91.50, rsrq_rx0: -11.25, rssi_rx0: -62.50, snr_rx0: 17.50, rsrp_rx1: -93.25, rsrq_rx1: -12.00, rssi_rx1: -64.25, snr_rx1: 15.75, rsrp_rx2: -97.50, rsrq_rx2: -13.75, rssi_rx2: -68.75, snr_rx2: 12.50, rsrp_rx3: -98.25, rsrq_rx3: -14.50, rssi_rx3: -69.50, snr_rx3: 11.25
+  g_kolvo_data_left(3) is not enough for version, id(0x71)
+  g_kolvo_data_left(0) is not enough for rsrp_rx0, id(0x87)
+  g_kolvo_data_left(2) is not enough for rx_agc_1, id(0x6e)
+  g_kolvo_data_left(3) is not enough for rsrq, id(0x6)
+  g_kolvo_data_left(0) is not enough for rx_drx, id(0x6f)
+  g_kolvo_data_left(0) is not enough for new_config, id(0x64)
 
 Answers that are not what was asked for.
 
