@@ -281,7 +281,8 @@ TEST_F(DiagTest, AResponseWithTheLastTickIsInTime) {
 
 // Each of the unit's locks keeps apart what must not meet: commands, workers, and pieces of a response.
 TEST_F(DiagTest, NothingMeetsWhatItMustNot) {
-    g_quiet_mode = true;
+    g_quiet_mode = true;  // no log, and no lock of a log
+    g_adb_log_state = 0;
     std::atomic<int> open{0};
     std::atomic<bool> met{false};
     platform().lsm_init = [&] { return met = met || open++ != 0, true; };
@@ -309,16 +310,23 @@ TEST_F(DiagTest, NothingMeetsWhatItMustNot) {
     EXPECT_FALSE(met) << "two workers";
 
     platform().dci_send = [](int, const Bytes&) {
-        const auto half = [] { deliver(kDci, payload(4096), 4096); };
+        std::atomic<int> ready{0};
+        const auto half = [&ready] {
+            ++ready;
+            while (ready < 2) {
+            }
+            deliver(kDci, payload(4096), 4096);
+        };
         std::thread second(half);
         half();
         second.join();
         deliver(kDci, payload(1), 1);
         return 1001;
     };
-    for (int i = 0; i < 50; ++i)
-        EXPECT_EQ(send(kDci).reply_len, 8193) << "two pieces";
+    for (int i = 0; i < 250; ++i)
+        ASSERT_EQ(send(kDci).reply_len, 8193) << "two pieces";
     g_quiet_mode = false;
+    g_adb_log_state = 2;
 }
 
 class DiagStress : public DiagTest, public testing::WithParamInterface<Road> {};

@@ -4,6 +4,7 @@ Diag commands over both roads.
 
 What the tick counter prints depends on when the command ends, and it is not waited for.
 
+  $ unchecked() { grep -vE 'function e|_check:|with_hex:'; }
   $ certain() { vxk "$@" | grep -v _wait_thread_proc; }
 
 The road's own messages and the outcome, without what the checks and callbacks say.
@@ -67,89 +68,41 @@ Both roads with a result. The modem takes a while, so that the road's messages c
   rsp data len(55)
   rsp data: 0x00 0x4D 0x61 0x72 0x20 0x31 0x34 0x20 0x32 0x30 0x32 0x34 0x30 0x39 0x3A 0x32 0x36 0x3A 0x35 0x33 0x4D 0x61 0x72 0x20 0x31 0x35 0x20 0x32 0x30 0x32 0x34 0x31 0x32 0x3A 0x30 0x30 0x3A 0x30 0x30 0x76 0x78 0x6B 0x2E 0x73 0x69 0x6D 0x20 0x2A 0x06 0xA5 0x00 0x01 0x02 0x01 0x00
   RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
-  $ certain 5 0 1 0 3000 0x00
-  RIL[kelvra_cmn_diag_cmd_send:#]: function entry ------------->
+  $ certain 5 0 1 0 3000 0x00 | unchecked
   diag cmd:
   0x00 
   dci mode with result
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: diag_comand, data_len = 1
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 00
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_comand_input_check:#]: function exit <-------------
-  RIL[kelvra_diag_comand_output_check:#]: function entry ------------->
-  RIL[kelvra_diag_comand_output_check:#]: reply_len = 10240
-  RIL[kelvra_diag_comand_output_check:#]: function exit <-------------
-  RIL[kelvra_diag_init_with_result:#]: function entry ------------->
-  RIL[kelvra_diag_init_with_result:#]: function exit <-------------
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 1
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: MPSS on ch:0: UP
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Opening Data Stream, registering listeners for ch:0
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Sending Asynchronous Command for ch:0
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Dci Command time = 30
-  RIL[kelvra_diag_cmd_send_with_result_wait_create_thread:#]: function entry ------------->
   RIL[kelvra_diag_cmd_send_with_result_wait_create_thread:#]: kelvra daig is created, conf = 0
-  RIL[kelvra_diag_cmd_send_with_result_wait_create_thread:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci:#]: function entry ------------->
-  RIL[kelvra_diag_cmd_response_check:#]: function entry ------------->
-  RIL[kelvra_diag_cmd_response_check:#]: context_data is null
-  RIL[kelvra_diag_cmd_response_check:#]: ================ response from -1[Unknown], len = 55 ========================
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(55), data: 00 4D 61 72 20 31 34 20 32 30 32 34 30 39 3A 32 36 3A 35 33 4D 61 72 20 31 35 20 32 30 32 34 31 32 3A 30 30 3A 30 30 76 78 6B 2E 73 69 6D 20 2A 06 A5 00 01 02 01 00
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_check:#]: function exit <-------------
   RIL[kelvra_diag_cmd_response_by_dci:#]: response, cmd_code = 0x00, data_size = 55
-  RIL[kelvra_diag_cmd_response_by_dci:#]: function exit <-------------
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: req end, data_size = 55, g_qcril_diag_rsp_buf.length = 55, reply_len = 10240
-  RIL[kelvra_diag_deinit_with_result:#]: function entry ------------->
-  RIL[kelvra_diag_deinit_with_result:#]: function exit <-------------
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: function exit <-------------
   
   rsp data len(55)
   rsp data: 0x00 0x4D 0x61 0x72 0x20 0x31 0x34 0x20 0x32 0x30 0x32 0x34 0x30 0x39 0x3A 0x32 0x36 0x3A 0x35 0x33 0x4D 0x61 0x72 0x20 0x31 0x35 0x20 0x32 0x30 0x32 0x34 0x31 0x32 0x3A 0x30 0x30 0x3A 0x30 0x30 0x76 0x78 0x6B 0x2E 0x73 0x69 0x6D 0x20 0x2A 0x06 0xA5 0x00 0x01 0x02 0x01 0x00
-  RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
 
 Without a result. The process may end before its worker gets anywhere.
 
-  $ started() { vxk "$@" | grep -vE '_thread_proc|_no_handle|_register_callback|_mask_name'; }
+  $ started() { vxk "$@" | grep -vE '_thread_proc|_no_handle|_register_callback|_mask_name' | unchecked; }
   $ started 5 0 0 1 0 0x00
-  RIL[kelvra_cmn_diag_cmd_send:#]: function entry ------------->
   diag cmd:
   0x00 
   callback mode without result
-  RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: diag_comand, data_len = 1
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 00
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_comand_input_check:#]: function exit <-------------
   RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: kelvra daig is created, conf = 0, diag_work_mode = 0
-  RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: function exit <-------------
   
   done without rsp data
-  RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
   $ started 5 0 1 1 0 0x00
-  RIL[kelvra_cmn_diag_cmd_send:#]: function entry ------------->
   diag cmd:
   0x00 
   dci mode without result
-  RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: function entry ------------->
-  RIL[kelvra_diag_comand_input_check:#]: diag_comand, data_len = 1
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 00
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_comand_input_check:#]: function exit <-------------
   RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: kelvra daig is created, conf = 0, diag_work_mode = 1
-  RIL[kelvra_diag_cmd_send_without_result_start_thread:#]: function exit <-------------
   
   done without rsp data
-  RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
 
 What the modem heard and said.
 
