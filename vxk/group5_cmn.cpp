@@ -89,14 +89,16 @@ int send_command(int argc, char** argv) {
 }
 
 int kelvra_cmn_diag_cmd_send(int argc, char** argv) {
-    KELVRA_LOG_SCOPE();
     const bool enough = argc > kFirstByte;
     int result = 0;
-    if (enough)
-        result = send_command(argc, argv);
-    else
-        kelvra_puts("\nnote: Too few inputs, Pls refer to the following cmd:");
-    // Too few inputs are answered by the help alone, with no error code.
+    {
+        KELVRA_LOG_SCOPE();
+        if (enough)
+            result = send_command(argc, argv);
+        else
+            kelvra_puts("\nnote: Too few inputs, Pls refer to the following cmd:");
+    }
+    // Too few inputs are answered by the help alone, with no error code, once the command has ended.
     return enough ? result : show_help(kCmnGroup);
 }
 

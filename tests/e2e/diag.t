@@ -139,9 +139,11 @@ What the modem heard and said.
 Commands as they are typed.
 
   $ boot
-  $ answer 5 0 0 0 3000 | head -5
+  $ vxk 5 0 0 0 3000 | head -7
+  RIL[kelvra_cmn_diag_cmd_send:#]: function entry ------------->
   
   note: Too few inputs, Pls refer to the following cmd:
+  RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
   
   =========== blew: vexkit(vxk) cmd help =======================================================
   5: cmn option cmd: 
