@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -27,10 +28,8 @@ bool run(std::vector<std::string> words, std::string& output) {
         return false;
     const host::UniqueFd out(ends[0]);
     host::UniqueFd in(ends[1]);
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
+    std::vector<char*> argv(words.size() + 1);
+    std::transform(words.begin(), words.end(), argv.begin(), [](std::string& word) { return word.data(); });
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, in.get(), STDOUT_FILENO);
@@ -86,7 +85,7 @@ std::string environment(const char* name) {
 
 /// Empty when the machine tells no place.
 std::string state_folder() {
-    const std::string named = environment("VXK_STATE_DIR");
+    std::string named = environment("VXK_STATE_DIR");
     if (!named.empty())
         return named;
     if (geteuid() == 0)
