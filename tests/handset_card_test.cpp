@@ -1,13 +1,13 @@
 // What is in a slot: a card and an eUICC as their commands show them, and what they remember.
+#include <algorithm>
+#include <map>
+#include <regex>
+#include <vector>
+
 #include "uim_client.h"
 
 namespace handset_test {
 namespace {
-
-struct Command {
-    const char* apdu;
-    const char* answer;
-};
 
 const std::string kIccid = "98 00 01 01 00 00 00 00 10 F9 ";
 const std::string kDefault = "5A 0A 98 00 01 21 43 65 87 09 21 F0 ";
@@ -16,23 +16,36 @@ const std::string kOpenIsdR = "01 01 00 02 10 06 00 05 A0 00 00 05 59";
 
 class CardTest : public testing::Test {
 protected:
-    static void play(UimClient& client, uint8_t slot, uint8_t channel,
-                     std::initializer_list<Command> commands) {
-        for (const Command& command : commands)
-            EXPECT_EQ(client.command(slot, channel, command.apdu), normal(command.answer)) << command.apdu;
+    using Table = std::vector<std::pair<std::string, std::string>>;
+
+    /// Commands and their answers, "command > answer" parted by semicolons and line ends; `$name` is what
+    /// names_ has.
+    Table rows(std::string text) const {
+        for (const auto& name : names_)
+            text = std::regex_replace(text, std::regex("\\$" + name.first + "\\b"), name.second);
+        const std::regex row("([0-9A-F][0-9A-F ]*) > ([0-9A-F][0-9A-F ]*)");
+        Table table;
+        for (std::sregex_iterator it(text.begin(), text.end(), row), end; it != end; ++it)
+            table.emplace_back(normal((*it)[1]), normal((*it)[2]));
+        EXPECT_EQ(table.size(), static_cast<size_t>(std::count(text.begin(), text.end(), '>')));
+        return table;
     }
 
-    /// One request to the ISD-R on channel 1, in one block.
-    static std::string es10(UimClient& client, const std::string& request) {
-        return client.command(
-            2, 1, "80 E2 91 00 " + text_of({static_cast<uint8_t>(hex(request).size())}) + " " + request);
-    }
-    static void play_es10(UimClient& client, std::initializer_list<Command> requests) {
-        for (const Command& request : requests)
-            EXPECT_EQ(es10(client, request.apdu), normal(std::string(request.answer) + " 90 00"))
-                << request.apdu;
+    void play(UimClient& client, uint8_t slot, uint8_t channel, const std::string& text) const {
+        for (const auto& [command, answer] : rows(text))
+            EXPECT_EQ(client.command(slot, channel, command), answer) << command;
     }
 
+    /// The same of requests to the ISD-R on channel 1, in a block each, which all succeed.
+    void play_es10(UimClient& client, const std::string& text) const {
+        for (const auto& [request, answer] : rows(text)) {
+            const std::string size = text_of({static_cast<uint8_t>(hex(request).size())});
+            EXPECT_EQ(client.command(2, 1, "80 E2 91 00 " + size + " " + request), answer + " 90 00")
+                << request;
+        }
+    }
+
+    std::map<std::string, std::string> names_;
     TestFolder place_;
 };
 
@@ -45,74 +58,35 @@ TEST_F(CardTest, SelectsAndReadsFiles) {
     const std::string spn = "01 76 78 6B FF FF FF FF FF FF FF FF FF FF FF FF FF 90 00";
     const std::string iccid = kIccid + "90 00";
     const std::string aid_answer = "84 10 " + kUsim + "90 00";
+    names_ = {{"aid_answer", aid_answer}, {"dir", dir},     {"fcp_mf", fcp_mf},
+              {"fcp_usim", fcp_usim},     {"iccid", iccid}, {"spn", spn}};
     const RunningHandset handset(place_,
                                  R"({"cards": {"slots": [{"files": {"3F00/7F10/6F3A": "01 02 03"}}]}})");
     UimClient client(handset);
-    play(client, 1, 0,
-         {
-             {"00 A4 00 04 02 3F 00 00", fcp_mf.c_str()},
-             {"00 A4 00 00 00", fcp_mf.c_str()},
-             {"80 F2 00 00 00", fcp_mf.c_str()},
-             {"80 F2 00 0C", "90 00"},
-             {"80 F2 03 0C", "6A 86"},
-             {"00 F2 00 0C", "6E 00"},
-             {"00 B0 00 00 0A", "69 86"},
-             {"00 A4 00 04 02 2F E2",
-              "62 17 82 02 41 21 83 02 2F E2 8A 01 05 8B 03 2F 06 01 80 02 00 0A 88 01 10 90 00"},
-             {"00 B0 00 00 00", iccid.c_str()},
-             {"00 B0 00 08 02", "10 F9 90 00"},
-             {"00 B0 00 08 03", "6C 02"},
-             {"00 B0 00 0A 01", "6B 00"},
-             {"00 B0 00 00", "67 00"},
-             {"00 D6 00 00 01 00", "69 82"},
-             {"00 B2 01 04 0A", "69 81"},
-             {"00 B0 82 00 0A", iccid.c_str()},
-             {"00 B0 83 00 0A", "6A 82"},
-             {"00 A4 00 04 02 6F 07", "6A 82"},
-             {"00 A4 00 08 02 3F 00", "6A 86"},
-             {"00 A4 07 04 02 3F 00", "6A 86"},
-             {"00 A4 00 04 01 3F", "67 00"},
-             {"00 A4 00 04 00 02 3F 00", "67 00"},
-             {"00 A4 01 0C 02 2F 00", "6A 82"},
-             {"00 A4 00 0C 02 2F 00", "90 00"},
-             {"00 B2 01 04 20", dir.c_str()},
-             {"00 B2 00 02 00", dir.c_str()},
-             {"00 B2 00 02 00", "6A 83"},
-             {"00 B2 01 04 10", "6C 20"},
-             {"00 B2 02 04 20", "6A 83"},
-             {"00 B2 01 F4 20", dir.c_str()},
-             {"00 B2 01 05 20", "6A 86"},
-             {"00 B0 00 00 01", "69 81"},
-             {"00 A4 04 0C 08 A0 00 00 00 87 10 03 FF", "6A 82"},
-             {"00 A4 04 0C 04 A0 00 00 00", "6A 82"},
-             {"00 A4 04 02 07 A0 00 00 00 87 10 02", "6A 82"},
-             {"00 A4 04 04 07 A0 00 00 00 87 10 02 00", fcp_usim.c_str()},
-             {"80 F2 00 01 12", aid_answer.c_str()},
-             {"00 A4 00 0C 02 6F 07", "90 00"},
-             {"00 B0 00 00 09", "08 09 10 10 00 00 00 00 91 90 00"},
-             {"00 A4 08 0C 04 7F FF 6F 46", "90 00"},
-             {"00 B0 00 00 00", spn.c_str()},
-             {"00 A4 03 0C", "90 00"},
-             {"00 A4 08 0C 04 7F 10 6F 3A", "90 00"},
-             {"00 B0 00 01 02", "02 03 90 00"},
-             {"00 88 00 81 02 01 00", "98 64"},
-             {"00 88 00 01 02 01 00", "6A 86"},
-             {"00 88 00 81 02 10 00", "67 00"},
-             {"00 C0 00 00 10", "69 85"},
-             {"00 CA 00 00 00", "6D 00"},
-             {"A0 A4 00 00 02 3F 00", "6E 00"},
-             {"00 70 00 00 01", "01 90 00"},
-             {"00 70 00 03", "90 00"},
-             {"00 70 00 03", "6A 81"},
-             {"00 70 00 00 01", "02 90 00"},
-             {"00 70 00 00 01", "6A 81"},
-             {"00 70 80 02", "90 00"},
-             {"00 70 80 02", "68 81"},
-             {"00 70 80 00", "6A 86"},
-             {"00 70 00 04", "6A 86"},
-         });
+    play(client, 1, 0, R"(
+        00 A4 00 04 02 3F 00 00 > $fcp_mf; 00 A4 00 00 00 > $fcp_mf; 80 F2 00 00 00 > $fcp_mf
+        80 F2 00 0C > 90 00; 80 F2 03 0C > 6A 86; 00 F2 00 0C > 6E 00; 00 B0 00 00 0A > 69 86
+        00 A4 00 04 02 2F E2 > 62 17 82 02 41 21 83 02 2F E2 8A 01 05 8B 03 2F 06 01 80 02 00 0A 88 01 10 90 00
+        00 B0 00 00 00 > $iccid; 00 B0 00 08 02 > 10 F9 90 00; 00 B0 00 08 03 > 6C 02; 00 B0 00 0A 01 > 6B 00
+        00 B0 00 00 > 67 00; 00 D6 00 00 01 00 > 69 82; 00 B2 01 04 0A > 69 81; 00 B0 82 00 0A > $iccid
+        00 B0 83 00 0A > 6A 82; 00 A4 00 04 02 6F 07 > 6A 82; 00 A4 00 08 02 3F 00 > 6A 86
+        00 A4 07 04 02 3F 00 > 6A 86; 00 A4 00 04 01 3F > 67 00; 00 A4 00 04 00 02 3F 00 > 67 00
+        00 A4 01 0C 02 2F 00 > 6A 82; 00 A4 00 0C 02 2F 00 > 90 00; 00 B2 01 04 20 > $dir
+        00 B2 00 02 00 > $dir; 00 B2 00 02 00 > 6A 83; 00 B2 01 04 10 > 6C 20; 00 B2 02 04 20 > 6A 83
+        00 B2 01 F4 20 > $dir; 00 B2 01 05 20 > 6A 86; 00 B0 00 00 01 > 69 81
+        00 A4 04 0C 08 A0 00 00 00 87 10 03 FF > 6A 82; 00 A4 04 0C 04 A0 00 00 00 > 6A 82
+        00 A4 04 02 07 A0 00 00 00 87 10 02 > 6A 82; 00 A4 04 04 07 A0 00 00 00 87 10 02 00 > $fcp_usim
+        80 F2 00 01 12 > $aid_answer; 00 A4 00 0C 02 6F 07 > 90 00
+        00 B0 00 00 09 > 08 09 10 10 00 00 00 00 91 90 00; 00 A4 08 0C 04 7F FF 6F 46 > 90 00
+        00 B0 00 00 00 > $spn; 00 A4 03 0C > 90 00; 00 A4 08 0C 04 7F 10 6F 3A > 90 00
+        00 B0 00 01 02 > 02 03 90 00; 00 88 00 81 02 01 00 > 98 64; 00 88 00 01 02 01 00 > 6A 86
+        00 88 00 81 02 10 00 > 67 00; 00 C0 00 00 10 > 69 85; 00 CA 00 00 00 > 6D 00
+        A0 A4 00 00 02 3F 00 > 6E 00; 00 70 00 00 01 > 01 90 00; 00 70 00 03 > 90 00; 00 70 00 03 > 6A 81
+        00 70 00 00 01 > 02 90 00; 00 70 00 00 01 > 6A 81; 00 70 80 02 > 90 00; 00 70 80 02 > 68 81
+        00 70 80 00 > 6A 86; 00 70 00 04 > 6A 86)");
     // A channel of its own is at the MF, and has no application.
-    play(client, 1, 1, {{"00 A4 00 0C 02 7F FF", "6A 82"}, {"00 88 00 81 02 01 00", "69 85"}});
+    play(client, 1, 1, R"(
+        00 A4 00 0C 02 7F FF > 6A 82; 00 88 00 81 02 01 00 > 69 85)");
 }
 
 TEST_F(CardTest, CountsTriesOfThePinAndKeepsWhatIsWrittenThroughAKill) {
@@ -128,60 +102,34 @@ TEST_F(CardTest, CountsTriesOfThePinAndKeepsWhatIsWrittenThroughAKill) {
         const std::string body = text_of(client.exchange(47, {}).value_or(wire::Bytes()));
         return body.substr(3 * 25, 5) + ", " + body.substr(3 * 49, 8);
     };
+    names_ = {{"bad", bad}, {"bad_puk", bad_puk}, {"good", good}, {"puk", puk}, {"wrong", wrong}};
     {
         RunningHandset handset(place_, profile);
         UimClient client(handset);
         EXPECT_EQ(status(client), "02 02, 01 03 0A");
-        play(client, 1, 0,
-             {
-                 {"00 A4 08 0C 04 7F FF 6F 07", "90 00"},
-                 {"00 B0 00 00 09", "69 82"},
-                 {"00 20 00 01", "63 C3"},
-                 {"00 20 00 02", "6A 86"},
-                 {"00 20 00 01 04 31 32 33 34", "67 00"},
-                 {bad.c_str(), "63 C2"},
-             });
+        play(client, 1, 0, R"(
+        00 A4 08 0C 04 7F FF 6F 07 > 90 00; 00 B0 00 00 09 > 69 82; 00 20 00 01 > 63 C3; 00 20 00 02 > 6A 86
+        00 20 00 01 04 31 32 33 34 > 67 00; $bad > 63 C2)");
         handset.stop(SIGKILL);
     }
     {
         RunningHandset handset(place_, profile);
         UimClient client(handset);
-        play(client, 1, 0,
-             {
-                 {"00 20 00 01", "63 C2"},
-                 {good.c_str(), "90 00"},
-                 {"00 20 00 01", "90 00"},
-                 {"00 A4 08 0C 04 7F FF 6F 40", "90 00"},
-                 {"00 DC 01 04 1C 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 "
-                  "1A 1B 1C",
-                  "90 00"},
-                 {"00 DC 03 04 1C 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 "
-                  "1A 1B 1C",
-                  "6A 83"},
-                 {"00 DC 01 04 01 01", "67 00"},
-                 {bad.c_str(), "63 C2"},
-                 {bad.c_str(), "63 C1"},
-                 {bad.c_str(), "63 C0"},
-                 {good.c_str(), "69 83"},
-                 {bad_puk.c_str(), "63 C9"},
-             });
+        play(client, 1, 0, R"(
+        00 20 00 01 > 63 C2; $good > 90 00; 00 20 00 01 > 90 00; 00 A4 08 0C 04 7F FF 6F 40 > 90 00
+        00 DC 01 04 1C 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 1A 1B 1C > 90 00
+        00 DC 03 04 1C 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 1A 1B 1C > 6A 83
+        00 DC 01 04 01 01 > 67 00; $bad > 63 C2; $bad > 63 C1; $bad > 63 C0; $good > 69 83; $bad_puk > 63 C9)");
         EXPECT_EQ(status(client), "02 03, 04 00 09");
         handset.stop(SIGKILL);
     }
     const RunningHandset handset(place_, profile);
     UimClient client(handset);
-    play(client, 1, 0,
-         {
-             {"00 20 00 01", "69 83"},
-             {"00 2C 00 01", "63 C9"},
-             {puk.c_str(), "90 00"},
-             {"00 20 00 01", "90 00"},
-             {"00 A4 08 0C 04 7F FF 6F 40", "90 00"},
-             {"00 B2 01 04 1C",
-              "01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 1A 1B 1C 90 00"},
-             {good.c_str(), "63 C2"},
-             {("00 26 00 01 08 " + wrong).c_str(), "90 00"},
-         });
+    play(client, 1, 0, R"(
+        00 20 00 01 > 69 83; 00 2C 00 01 > 63 C9; $puk > 90 00; 00 20 00 01 > 90 00
+        00 A4 08 0C 04 7F FF 6F 40 > 90 00
+        00 B2 01 04 1C > 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 1A 1B 1C 90 00
+        $good > 63 C2; 00 26 00 01 08 $wrong > 90 00)");
     EXPECT_EQ(status(client), "02 07, 03 03 0A");
 }
 
@@ -203,70 +151,59 @@ TEST_F(CardTest, AnswersTheProfileManagersFunctions) {
     for (int i = 0; i < 64; ++i)
         retrieved += "00 ";
     retrieved += "30 00 30 00";
+    names_ = {{"all", all},
+              {"enable_first", enable_first},
+              {"enable_lab", enable_lab},
+              {"kDefault", kDefault},
+              {"lab", lab},
+              {"notes", notes},
+              {"retrieved", retrieved}};
     RunningHandset handset(place_, profile);
     UimClient client(handset);
     client.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
     EXPECT_EQ(
         client.command(2, 1, "00 A4 04 00 05 A0 00 00 05 59 00"),
         normal("6F 19 84 10 A0 00 00 05 59 10 10 FF FF FF FF 89 00 00 01 00 E0 05 82 03 02 02 02 90 00"));
-    play_es10(
-        client,
-        {
-            {"BF 3E 03 5C 01 5A", "BF 3E 12 5A 10 89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23"},
-            {"BF 20 00", "BF 20 09 82 03 02 02 02 A9 00 AA 00"},
-            {"BF 43 00", "BF 43 02 A0 00"},
-            {"BF 2D 00", all.c_str()},
-            {"BF 2D 09 A0 03 95 01 00 5C 02 5A 95", ("BF 2D 13 A0 11 E3 0F " + lab + "95 01 00").c_str()},
-            {"BF 2D 05 5C 03 9F 70 92",
-             "BF 2D 1E A0 1C E3 0F 9F 70 01 01 92 09 70 72 6F 66 69 6C 65 20 31 E3 09 9F 70 01 00 92 03 6C "
-             "61 62"},
-            {"BF 2D 05 A0 03 80 01 00", "BF 2D 03 81 01 01"},
-            {"BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F0 90 02 C3 28", "BF 29 03 80 01 7F"},
-            {"BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F1 90 02 41 42", "BF 29 03 80 01 01"},
-            {"BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F0 90 02 41 42", "BF 29 03 80 01 00"},
-            {"BF 2D 07 5C 01 90 A0 02 95 00", "BF 2D 02 A0 00"},
-            {"BF 2D 03 5C 01 90", "BF 2D 0A A0 08 E3 04 90 02 41 42 E3 00"},
-            {"BF 33 0C 5A 0A 98 00 01 21 43 65 87 09 21 F0", "BF 33 03 80 01 02"},
-            {enable_first.c_str(), "BF 31 03 80 01 02"},
-            {"BF 32 0A A0 05 4F 03 A0 00 00 81 01 00", "BF 32 03 80 01 01"},
-            {enable_lab.c_str(), "BF 31 03 80 01 00"},
-            {("BF 32 11 A0 0C " + kDefault + "81 01 00").c_str(), "BF 32 03 80 01 02"},
-            {"BF 28 00", notes.c_str()},
-            {"BF 28 04 81 02 06 40", "BF 28 02 A0 00"},
-            {"BF 2B 05 A0 03 80 01 01", retrieved.c_str()},
-            {"BF 2B 05 A0 03 80 01 07", "BF 2B 02 A0 00"},
-            {"BF 3C 00", "BF 3C 10 81 0E 64 73 2E 65 78 61 6D 70 6C 65 2E 63 6F 6D"},
-            {"BF 3F 03 80 01 61", "BF 3F 03 80 01 00"},
-            {"BF 38 04 30 02 80 00", "BF 38 07 A1 05 80 00 02 01 07"},
-            {"BF 21 07 30 05 80 03 01 02 03", "BF 21 0A A1 08 80 03 01 02 03 02 01 04"},
-            {"BF 41 00", "BF 41 03 81 01 05"},
-        });
+    play_es10(client, R"(
+        BF 3E 03 5C 01 5A > BF 3E 12 5A 10 89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23
+        BF 20 00 > BF 20 09 82 03 02 02 02 A9 00 AA 00; BF 43 00 > BF 43 02 A0 00; BF 2D 00 > $all
+        BF 2D 09 A0 03 95 01 00 5C 02 5A 95 > BF 2D 13 A0 11 E3 0F $lab 95 01 00
+        BF 2D 05 5C 03 9F 70 92 > BF 2D 1E A0 1C E3 0F 9F 70 01 01 92 09 70 72 6F 66 69 6C 65 20 31 E3 09 9F 70 01 00 92 03 6C 61 62
+        BF 2D 05 A0 03 80 01 00 > BF 2D 03 81 01 01
+        BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F0 90 02 C3 28 > BF 29 03 80 01 7F
+        BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F1 90 02 41 42 > BF 29 03 80 01 01
+        BF 29 10 5A 0A 98 00 01 21 43 65 87 09 21 F0 90 02 41 42 > BF 29 03 80 01 00
+        BF 2D 07 5C 01 90 A0 02 95 00 > BF 2D 02 A0 00
+        BF 2D 03 5C 01 90 > BF 2D 0A A0 08 E3 04 90 02 41 42 E3 00
+        BF 33 0C 5A 0A 98 00 01 21 43 65 87 09 21 F0 > BF 33 03 80 01 02; $enable_first > BF 31 03 80 01 02
+        BF 32 0A A0 05 4F 03 A0 00 00 81 01 00 > BF 32 03 80 01 01; $enable_lab > BF 31 03 80 01 00
+        BF 32 11 A0 0C $kDefault 81 01 00 > BF 32 03 80 01 02; BF 28 00 > $notes
+        BF 28 04 81 02 06 40 > BF 28 02 A0 00; BF 2B 05 A0 03 80 01 01 > $retrieved
+        BF 2B 05 A0 03 80 01 07 > BF 2B 02 A0 00
+        BF 3C 00 > BF 3C 10 81 0E 64 73 2E 65 78 61 6D 70 6C 65 2E 63 6F 6D
+        BF 3F 03 80 01 61 > BF 3F 03 80 01 00; BF 38 04 30 02 80 00 > BF 38 07 A1 05 80 00 02 01 07
+        BF 21 07 30 05 80 03 01 02 03 > BF 21 0A A1 08 80 03 01 02 03 02 01 04; BF 41 00 > BF 41 03 81 01 05)");
     handset.stop(SIGKILL);
 
     RunningHandset later(place_);
     UimClient next(later);
     next.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
     EXPECT_EQ(next.command(2, 0, "00 B0 82 00 0A"), normal(lab.substr(6) + "90 00"));
-    play_es10(next, {
-                        {"BF 28 00", notes.c_str()},
-                        {"BF 3C 00", "BF 3C 13 80 01 61 81 0E 64 73 2E 65 78 61 6D 70 6C 65 2E 63 6F 6D"},
-                        {"BF 30 03 80 01 02", "BF 30 03 80 01 01"},
-                        {"BF 30 03 80 01 01", "BF 30 03 80 01 00"},
-                        {"BF 28 00", "BF 28 02 A0 00"},
-                        {"BF 34 04 82 02 06 80", "BF 34 03 80 01 00"},
-                        {"BF 2D 03 5C 01 95", "BF 2D 07 A0 05 E3 03 95 01 00"},
-                        {"BF 34 04 82 02 06 80", "BF 34 03 80 01 01"},
-                        {"BF 34 04 82 02 05 20", "BF 34 03 80 01 00"},
-                        {"BF 34 04 82 02 06 40", "BF 34 03 80 01 00"},
-                        {"BF 2D 00", "BF 2D 02 A0 00"},
-                    });
+    play_es10(next, R"(
+        BF 28 00 > $notes; BF 3C 00 > BF 3C 13 80 01 61 81 0E 64 73 2E 65 78 61 6D 70 6C 65 2E 63 6F 6D
+        BF 30 03 80 01 02 > BF 30 03 80 01 01; BF 30 03 80 01 01 > BF 30 03 80 01 00
+        BF 28 00 > BF 28 02 A0 00; BF 34 04 82 02 06 80 > BF 34 03 80 01 00
+        BF 2D 03 5C 01 95 > BF 2D 07 A0 05 E3 03 95 01 00; BF 34 04 82 02 06 80 > BF 34 03 80 01 01
+        BF 34 04 82 02 05 20 > BF 34 03 80 01 00; BF 34 04 82 02 06 40 > BF 34 03 80 01 00
+        BF 2D 00 > BF 2D 02 A0 00)");
     EXPECT_EQ(next.command(2, 0, "00 B0 82 00 0A"), "6A 82");
     later.stop(SIGKILL);
 
     const RunningHandset last(place_);
     UimClient end(last);
     end.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
-    play_es10(end, {{"BF 2D 00", "BF 2D 02 A0 00"}});
+    play_es10(end, R"(
+        BF 2D 00 > BF 2D 02 A0 00)");
 }
 
 TEST_F(CardTest, RefusesRequestsThatDoNotReadAndChainsThoseThatAreLong) {
@@ -276,25 +213,14 @@ TEST_F(CardTest, RefusesRequestsThatDoNotReadAndChainsThoseThatAreLong) {
     const RunningHandset handset(place_, ("{\"euicc\": {\"profiles\": [" + list + "]}}").c_str());
     UimClient client(handset);
     client.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
-    play(client, 2, 1,
-         {
-             {"80 E2 91 00 05 BF 2D 84 80 00", "67 00"},
-             {"80 E2 91 00 08 BF 2D 84 80 00 00 00 00", "67 00"},
-             {"80 E2 91 00 02 BF 2D", "67 00"},
-             {"80 E2 91 00 05 BF 2D 00 BF 2D", "6A 80"},
-             {"80 E2 91 00 05 BF 31 02 A0 05", "6A 80"},
-             {"80 E2 91 00 05 BF 34 02 82 00", "6A 80"},
-             {"80 E2 91 00 03 BF 5F 00", "6A 88"},
-             {"80 E2 91 00 05 BF 36 82 10 00", "69 85"},
-             {"80 E2 00 00 03 BF 2D 00", "6A 86"},
-             {"80 E2 91 01 03 BF 2D 00", "6A 86"},
-             {"80 E2 91 00", "67 00"},
-             {"80 E2 11 00 02 BF 2D", "90 00"},
-             {"80 E2 91 02 01 00", "6A 86"},
-             {"80 E2 11 00 02 BF 2D", "90 00"},
-             {"80 E2 91 01 01 00", "61 00"},
-             {"00 C0 00 01 00", "6A 86"},
-         });
+    play(client, 2, 1, R"(
+        80 E2 91 00 05 BF 2D 84 80 00 > 67 00; 80 E2 91 00 08 BF 2D 84 80 00 00 00 00 > 67 00
+        80 E2 91 00 02 BF 2D > 67 00; 80 E2 91 00 05 BF 2D 00 BF 2D > 6A 80
+        80 E2 91 00 05 BF 31 02 A0 05 > 6A 80; 80 E2 91 00 05 BF 34 02 82 00 > 6A 80
+        80 E2 91 00 03 BF 5F 00 > 6A 88; 80 E2 91 00 05 BF 36 82 10 00 > 69 85
+        80 E2 00 00 03 BF 2D 00 > 6A 86; 80 E2 91 01 03 BF 2D 00 > 6A 86; 80 E2 91 00 > 67 00
+        80 E2 11 00 02 BF 2D > 90 00; 80 E2 91 02 01 00 > 6A 86; 80 E2 11 00 02 BF 2D > 90 00
+        80 E2 91 01 01 00 > 61 00; 00 C0 00 01 00 > 6A 86)");
     std::string all = client.command(2, 1, "00 C0 00 00 00");
     size_t size = 0;
     while (all.size() > 6 && all.substr(all.size() - 5, 2) == "61") {
