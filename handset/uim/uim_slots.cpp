@@ -45,7 +45,8 @@ UimSlots::UimSlots(Core& core, CommonRequests& requests, Cards& cards, const Eui
       slots_(std::max<uint32_t>(cards.slots(), Euicc::kSlot)) {
     for (const char* subject : {"uim", "physical slots", "channels"})
         core_.state().clear(subject);
-    for (uint8_t slot = 1; slot <= cards_.slots(); ++slot)
+    const auto trays = static_cast<uint8_t>(cards_.slots());
+    for (uint8_t slot = 1; slot <= trays; ++slot)
         at(slot).card = make_card(core_, slot, cards_.profile().slots[slot - 1].card);
     for (uint8_t slot = 1; slot <= count(); ++slot)
         start_anew(slot, Clock::now());
