@@ -66,6 +66,8 @@ public:
     /// Once the request at hand is answered, the modem goes away with all its connections, and comes back
     /// after the profile's time. A modem that is away already stays away as long as it would have.
     void restart_modem();
+    /// False from a request to restart on, until it is done.
+    bool is_up() const { return !away_; }
     std::chrono::milliseconds restart_time() const { return modem_.restart_time; }
 
 private:

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <string_view>
 
+#include "identity.h"
+
 namespace handset {
 namespace {
 
@@ -33,12 +35,10 @@ wire::Bytes version() {
 }
 
 wire::Bytes extended_build_id() {
-    constexpr std::string_view kBuild("VXK.SIM.1.0-00042-MODEM-1\0", 26);
-    constexpr std::string_view kModelName("vxk simulated handset\0", 22);
     wire::Writer answer;
     answer.u8(kExtendedBuildId).u8(2).u16(0);  // version of the layout, reserved
     answer.u32(kMsmRevision).u32(kModel);
-    answer.bytes(bytes_of(kBuild)).bytes(bytes_of(kModelName));
+    answer.bytes(bytes_of(kBuildName)).u8(0).bytes(bytes_of(kModelName)).u8(0);
     return answer.take();
 }
 
