@@ -22,4 +22,8 @@ const std::string& Handset::folder() const {
     return core_->folder().path();
 }
 
+std::string Handset::at_notice() const {
+    return subjects_->at.notice();
+}
+
 }  // namespace handset

@@ -27,6 +27,10 @@ public:
     /// The folder's name, absolute.
     const std::string& folder() const;
 
+    /// One line for a person who wants to send AT commands by the device's name, when they would not arrive
+    /// here; else empty.
+    std::string at_notice() const;
+
 private:
     const Profile profile_;
     const std::unique_ptr<Core> core_;

@@ -26,6 +26,7 @@ Profile parse_profile(const std::string& text, const std::string& name) {
         root.object("statistics", [&](Section& section) { read_profile(section, profile.statistics); });
         root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
         root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });
+        root.object("at", [&](Section& section) { read_profile(section, profile.at); });
         root.object("diag", [&](Section& section) { read_profile(section, profile.diag); });
         root.list("faults", kMostFaults,
                   [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });

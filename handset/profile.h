@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "at_profile.h"
 #include "cards.h"
 #include "core.h"
 #include "diag_profile.h"
@@ -28,6 +29,7 @@ struct Profile {
     StatisticsProfile statistics;
     DebugProfile debug;
     SarProfile sar;
+    AtProfile at;
     DiagProfile diag;
     std::vector<Fault> faults;
 };

@@ -15,6 +15,7 @@
 #include "statistics_debug.h"
 #include "statistics_service.h"
 #include "uim_service.h"
+#include "uim_sim_access.h"
 
 namespace handset {
 
@@ -27,7 +28,8 @@ struct Subjects {
           uim(core, slots, profile.uim),
           statistics(core, profile.statistics),
           sar(core, profile.sar),
-          at(core),
+          sim(uim.slots()),
+          at(core, profile.at, sim),
           diag(core, profile.diag) {
         add_maintenance(core, requests, files);
         add_statistics_debug(core, requests, profile.debug);
@@ -41,6 +43,7 @@ struct Subjects {
     UimService uim;
     StatisticsService statistics;
     SarService sar;
+    UimSimAccess sim;
     AtChannel at;
     DiagPort diag;
 };

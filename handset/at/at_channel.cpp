@@ -1,164 +1,170 @@
 #include "at_channel.h"
 
-#include <fcntl.h>
-#include <sys/epoll.h>
-#include <sys/file.h>
-#include <termios.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
+#include <utility>
 
 #include "core.h"
-#include "error.h"
 
 namespace handset {
-namespace {
 
-// The device that the modem's AT channel is on a real handset, and so the name that the tool writes to. All
-// handsets of this machine share it; one that must not touch it is given another by the environment.
-std::string device_name() {
-    const char* named = getenv("VXK_AT_DEVICE");
-    return named != nullptr && *named != '\0' ? named : "/dev/smd8";
-}
-
-constexpr size_t kLineMax = 4096;
-
-// Where a symbolic link points; empty when the name is something else.
-std::string link_target(const std::string& link) {
-    char target[PATH_MAX];
-    const ssize_t length = readlink(link.c_str(), target, sizeof target);
-    return length < 0 ? "" : std::string(target, static_cast<size_t>(length));
-}
-
-// The folder of the handset whose link the device is: a handset links it to the "at" of its own folder.
-std::string owner_of(const std::string& target) {
-    const std::string name = "/at";
-    if (target.size() <= name.size() || target.compare(target.size() - name.size(), name.size(), name) != 0)
-        return "";
-    return target.substr(0, target.size() - name.size());
-}
-
-// Links the device, in place of a link that a handset has left there when it was killed. Returns what stands
-// in the way, or nothing.
-std::string take_device(const std::string& device, const std::string& link) {
-    if (symlink(link.c_str(), device.c_str()) == 0)
-        return "";
-    if (errno != EEXIST)
-        return strerror(errno);
-    const std::string target = link_target(device);
-    const std::string owner = owner_of(target);
-    if (target.empty())
-        return "it is there and is not a link";
-    if (owner.empty())
-        return "it is a link to " + target;
-    if (target != link && running_handset(owner))
-        return "it belongs to the handset in " + owner;
-    if (unlink(device.c_str()) != 0 || symlink(link.c_str(), device.c_str()) != 0)
-        return strerror(errno);
-    return "";
-}
-
-// Keeps two handsets from taking the same dead link for theirs at the same moment.
-class DeviceFolderLock {
-public:
-    explicit DeviceFolderLock(const std::string& device)
-        : fd_(open(device.substr(0, device.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        if (fd_ >= 0)
-            flock(fd_, LOCK_EX);
-    }
-    ~DeviceFolderLock() {
-        if (fd_ >= 0)
-            close(fd_);
-    }
-    DeviceFolderLock(const DeviceFolderLock&) = delete;
-    DeviceFolderLock& operator=(const DeviceFolderLock&) = delete;
-
-private:
-    int fd_;
-};
-
-}  // namespace
-
-AtChannel::AtChannel(Core& core) : core_(core), device_(device_name()), link_(core.folder().at("at")) {
+AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
+    : core_(core),
+      profile_(profile),
+      terminal_(core, "at", [this](wire::View bytes) { received(bytes); }),
+      device_(terminal_.device().empty() ? "" : core.folder().at("at")),
+      network_(core, commands_, sim, [this](const std::string& line) { reports_.push_back(line); }) {
+    add_basic_commands(commands_, settings_);
+    add_identity_commands(commands_);
+    add_card_commands(commands_, sim);
+    core_.on_restart([this] {
+        settings_ = AtSettings();
+        network_.start_anew();
+    });
+    for (const AtUnsolicited& unsolicited : profile_.unsolicited)
+        send_unsolicited(unsolicited, unsolicited.count, unsolicited.after);
     core_.state().clear("at");
-    core_.state().set("at", "terminal", "none");
-    core_.state().set("at", "device", "none");
+    core_.state().set("at", "terminal", terminal_.device().empty() ? "none" : terminal_.device());
+    core_.state().set("at", "device", device_.obstacle().empty() ? device_.name() : "none");
     core_.state().set("at", "lines", lines_);
-    try {
-        open_terminal();
-    } catch (const Error& error) {
-        complain(error.what());
+}
+
+std::string AtChannel::notice() const {
+    if (device_.obstacle().empty())
+        return "";
+    return "cannot link " + device_.name() + ", so vxk 8 does not reach this handset, only " +
+           core_.folder().at("at") + " does: " + device_.obstacle();
+}
+
+void AtChannel::received(wire::View bytes) {
+    waiting_.append(reinterpret_cast<const char*>(bytes.data), bytes.size);
+    // A terminal that echoes by itself would bring the echo back as the next command.
+    const bool may_echo = !terminal_.echoes();
+    std::string echo;
+    size_t taken = 0;
+    const uint64_t lines_before = lines_;
+    while (taken < waiting_.size() && !busy_) {
+        const char character = waiting_[taken++];
+        if (may_echo && settings_.echo && core_.is_up())
+            echo += character;
+        auto line = reader_.take(character, settings_.characters());
+        if (!line)
+            continue;
+        send(std::exchange(echo, ""));
+        finish(std::move(*line));
+    }
+    waiting_.erase(0, taken);
+    send(echo);
+    if (lines_ != lines_before)
+        core_.state().set("at", "lines", lines_);
+}
+
+void AtChannel::finish(AtLine line) {
+    log(Direction::kToModem, line.raw);
+    ++lines_;
+    // A modem that is away neither hears nor answers.
+    if (!core_.is_up())
+        return;
+    if (line.kind == AtLine::kTooLong)
+        return answer(AtOutcome::final("ERROR"));
+    if (line.kind == AtLine::kCommand)
+        last_ = normal_at_text(line.text);
+    if (line.kind == AtLine::kCommand || (line.kind == AtLine::kRepeat && !last_.empty()))
+        carry_out(last_);
+}
+
+void AtChannel::carry_out(const std::string& text) {
+    for (const AtAnswer& wanted : profile_.answers) {
+        if (wanted.command != text)
+            continue;
+        if (wanted.delay.count() == 0)
+            return answer(wanted);
+        busy_ = true;
+        terminal_.pause();
+        core_.loop().after(wanted.delay, [this, &wanted] {
+            answer(wanted);
+            busy_ = false;
+            received({});
+            if (!busy_)
+                terminal_.resume();
+            core_.wire_log().flush();
+        });
         return;
     }
-    link_device();
-    watch_ = core_.loop().watch(master_, EPOLLIN, [this](uint32_t) { receive(); });
+    answer(run(text.substr(2)));
 }
 
-AtChannel::~AtChannel() {
-    if (watch_ != 0) {
-        core_.loop().forget(watch_);
-        const DeviceFolderLock lock(device_);
-        if (link_target(device_) == link_)
-            unlink(device_.c_str());
-        unlink(link_.c_str());
+AtOutcome AtChannel::run(const std::string& text) {
+    AtParser parser(text);
+    while (const auto command = parser.next()) {
+        const AtOutcome outcome = commands_.run(*command);
+        if (!outcome.lines.empty())
+            send_lines(outcome.lines);
+        if (!outcome.ok())
+            return outcome;
     }
-    for (const int fd : {terminal_, master_}) {
-        if (fd >= 0)
-            close(fd);
+    return parser.ok() ? AtOutcome() : AtOutcome::final("ERROR");
+}
+
+void AtChannel::answer(const AtAnswer& answer) {
+    if (answer.silent || !core_.is_up())
+        return;
+    if (!answer.lines.empty())
+        send_lines(answer.lines);
+    send_result(result_text(answer.result, settings_));
+}
+
+void AtChannel::answer(const AtOutcome& outcome) {
+    send_result(result_text(outcome, settings_));
+    for (const std::string& line : std::exchange(reports_, {}))
+        report(line);
+}
+
+void AtChannel::send_unsolicited(const AtUnsolicited& unsolicited, uint32_t left,
+                                 std::chrono::milliseconds delay) {
+    core_.loop().after(delay, [this, &unsolicited, left] {
+        if (core_.is_up())
+            report(unsolicited.line);
+        core_.wire_log().flush();
+        if (left > 1)
+            send_unsolicited(unsolicited, left - 1, unsolicited.every);
+    });
+}
+
+void AtChannel::report(const std::string& line) {
+    send_result(result_text(line, settings_));
+}
+
+// Information text: an empty line before it when results are in words.
+void AtChannel::send_lines(const std::vector<std::string>& lines) {
+    const AtCharacters characters = settings_.characters();
+    const std::string end{static_cast<char>(characters.end), static_cast<char>(characters.feed)};
+    std::string text = settings_.verbose ? end : "";
+    for (const std::string& line : lines) {
+        log(Direction::kFromModem, line);
+        text += line + end;
     }
+    send(text);
 }
 
-void AtChannel::open_terminal() {
-    char name[64];
-    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0 ||
-        ptsname_r(master_, name, sizeof name) != 0)
-        throw system_error("cannot open a terminal for the AT channel", errno);
-    terminal_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    // No echo, no line editing, no translation: what is written arrives as it is.
-    struct termios mode {};
-    if (terminal_ >= 0 && tcgetattr(terminal_, &mode) == 0)
-        cfmakeraw(&mode);
-    if (terminal_ < 0 || tcsetattr(terminal_, TCSANOW, &mode) != 0)
-        throw system_error(std::string("cannot set up the terminal ") + name, errno);
-    const std::string staged = core_.folder().staging_name();
-    if (symlink(name, staged.c_str()) != 0 || rename(staged.c_str(), link_.c_str()) != 0)
-        throw system_error("cannot link " + link_, errno);
-    core_.state().set("at", "terminal", name);
+void AtChannel::send_result(const std::string& result) {
+    if (settings_.quiet)
+        return;
+    const AtCharacters characters = settings_.characters();
+    const std::string end(1, static_cast<char>(characters.end));
+    const std::string feed(1, static_cast<char>(characters.feed));
+    log(Direction::kFromModem, result);
+    send(settings_.verbose ? end + feed + result + end + feed : result + end);
 }
 
-void AtChannel::link_device() {
-    const DeviceFolderLock lock(device_);
-    const std::string obstacle = take_device(device_, link_);
-    if (obstacle.empty())
-        core_.state().set("at", "device", device_);
-    else
-        complain("cannot link " + device_ + ", so vxk 8 does not reach this handset, only " + link_ +
-                 " does: " + obstacle);
-}
-
-void AtChannel::receive() {
-    char bytes[1024];
-    ssize_t count = 0;
-    while ((count = read(master_, bytes, sizeof bytes)) > 0) {
-        for (ssize_t i = 0; i < count; ++i) {
-            if (bytes[i] != '\n')
-                line_ += bytes[i];
-            if (bytes[i] == '\n' || line_.size() == kLineMax)
-                log_line();
-        }
-    }
+void AtChannel::send(const std::string& text) {
+    if (text.empty())
+        return;
     core_.wire_log().flush();
+    terminal_.send({text.data(), text.size()});
 }
 
-void AtChannel::log_line() {
-    core_.wire_log().add(WireLine("at", 0, Direction::kToModem).text("line", line_),
-                         {line_.data(), line_.size()});
-    core_.state().set("at", "lines", ++lines_);
-    line_.clear();
+void AtChannel::log(Direction direction, const std::string& line) {
+    core_.wire_log().add(WireLine("at", 0, direction).text("line", line), {line.data(), line.size()});
 }
 
 }  // namespace handset

@@ -108,6 +108,20 @@ int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) 
     return error;
 }
 
+// Whether a command, or a shell's text in it, sends AT commands by the device's name.
+bool sends_at_commands(const std::vector<std::string>& command) {
+    const std::string wanted = "vxk 8 ";
+    std::string line;
+    for (const std::string& word : command)
+        line += word + " ";
+    return line.find(wanted) != std::string::npos;
+}
+
+void print_notice(const std::string& notice) {
+    if (!notice.empty())
+        complain(notice);
+}
+
 int status_of(int wait_status) {
     return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
 }
@@ -115,6 +129,8 @@ int status_of(int wait_status) {
 int run_in(const std::string& folder, const BootOptions& options, const std::vector<std::string>& command) {
     EventLoop loop;
     Handset handset(loop, folder, profile_of(options), transports_of(options, loop));
+    if (sends_at_commands(command))
+        print_notice(handset.at_notice());
     pid_t child = 0;
     int wait_status = 0;
     const Signals signals(loop, {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP}, [&](int number) {
@@ -147,6 +163,7 @@ int serve(const BootOptions& options) {
     const Signals signals(loop, {SIGINT, SIGTERM, SIGHUP}, [&loop](int) { loop.stop(); });
     Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir), profile,
                     transports_of(options, loop));
+    print_notice(handset.at_notice());
     printf("vxk-handset: ready in %s\n", handset.folder().c_str());
     fflush(stdout);
     loop.run();

@@ -18,14 +18,15 @@ Free: linked while the handset is there. What is written arrives as it is, with 
   $ printf '%05000d\n' 0 > "$VXK_AT_DEVICE"; eventually test_count 'at - ->' 6; show at | grep lines
     lines     6
 
-Another handset leaves it alone, says so, and has its terminal all the same.
+Another handset leaves it alone, says so when its command wants the device, and has its terminal all the same.
 
-  $ vxk-handset run --dir other -- sh -c 'echo AT2 > other/at; vxk-handset show' 2>err | grep 'device  '
+  $ vxk-handset run --dir other -- sh -c 'echo AT2 > other/at; : vxk 8 AT; vxk-handset show' 2>err | grep 'device  '
     device    none
   $ sed "s|$CRAMTMP|TMP|g; s|$PWD|PWD|g" err
   vxk-handset: cannot link TMP/smd8, so vxk 8 does not reach this handset, only TMP/at_device.t/other/at does: it belongs to the handset in TMP/h1
   $ grep -o 'at - -> .*' other/log/wire.log
   at - -> line="AT2"
+  $ vxk-handset run -- true
   $ device
   TMP/h1/at
   $ halt; device; ls "$CRAMTMP/h1/at" "$VXK_AT_DEVICE" 2>/dev/null
@@ -42,7 +43,7 @@ Left behind by a handset that was killed: taken over.
 A file, a pipe, somebody's link, and no folder to link in: left as they are.
 
   $ echo mine > "$VXK_AT_DEVICE"; boot; complaint; halt; cat "$VXK_AT_DEVICE"; rm "$VXK_AT_DEVICE"
-  vxk-handset: cannot link TMP/smd8, so vxk 8 does not reach this handset, only TMP/h4/at does: it is there and is not a link
+  vxk-handset: cannot link TMP/smd8, so vxk 8 does not reach this handset, only TMP/h4/at does: it is a plain file, such as vxk 8 leaves where no handset runs; remove it with: rm TMP/smd8
   mine
   $ mkfifo "$VXK_AT_DEVICE"; boot; complaint; halt; test -p "$VXK_AT_DEVICE"; rm "$VXK_AT_DEVICE"
   vxk-handset: cannot link TMP/smd8, so vxk 8 does not reach this handset, only TMP/h5/at does: it is there and is not a link
