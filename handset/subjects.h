@@ -7,6 +7,7 @@
 #include "common_request.h"
 #include "core.h"
 #include "diag_port.h"
+#include "dm_port.h"
 #include "extension_service.h"
 #include "maintenance.h"
 #include "modem_files.h"
@@ -28,9 +29,10 @@ struct Subjects {
           uim(core, slots, profile.uim),
           statistics(core, profile.statistics),
           sar(core, profile.sar),
-          sim(uim.slots()),
+          sim(slots),
           at(core, profile.at, sim),
-          diag(core, profile.diag) {
+          diag(core, profile.diag),
+          dm(core, profile.diag) {
         add_maintenance(core, requests, files);
         add_statistics_debug(core, requests, profile.debug);
     }
@@ -46,6 +48,7 @@ struct Subjects {
     UimSimAccess sim;
     AtChannel at;
     DiagPort diag;
+    DmPort dm;
 };
 
 }  // namespace handset

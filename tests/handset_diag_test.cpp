@@ -281,6 +281,11 @@ TEST(HandsetDiag, RefusesAProfileWithItsPlace) {
          "p: /diag/results/dci: unknown key; known here: \"dci_register\", \"dci_release\", \"dci_send\", "
          "\"dci_signal\", \"dci_streams\", \"dci_support\", \"open\", \"remote_mask\", \"send\", "
          "\"switch_logging\""},
+        {R"({"logs": [{"bytes": "00"}]})", "p: /diag/logs/0: the key \"code\" is missing"},
+        {R"({"logs": [{"code": 4096, "bytes": "00", "record": {}}]})",
+         "p: /diag/logs/0/record: the bytes are given already"},
+        {R"({"logs": [{"code": 4096, "record": {"version": 5}}]})",
+         "p: /diag/logs/0/record/version: no record has this version: 4, 0x30000, 0x30001, 0x30002"},
         {R"({"remote_mask": 65536})",
          "p: /diag/remote_mask: expected a whole number from 0 to 65535, found 65536"},
         {R"({"responses": [{"bytes": "00", "size": 1}]})",

@@ -408,7 +408,7 @@ TEST_F(HandsetTest, RefusesAProfileWithItsPlace) {
          "p:2:13: syntax error while parsing value - invalid literal; last read: '\"efs\": tru<U+000A>'"},
         {"[]", "p: /: expected an object, found []"},
         {R"({"cardz": 1})",
-         "p: /cardz: unknown key; known here: \"cards\", \"debug\", \"diag\", \"efs\", \"euicc\", "
+         "p: /cardz: unknown key; known here: \"at\", \"cards\", \"debug\", \"diag\", \"efs\", \"euicc\", "
          "\"faults\", \"modem\", \"sar\", \"statistics\", \"uim\""},
         {R"({"efs": {"a/b~": 1}})", "p: /efs/a~1b~0: unknown key; known here: \"file_max\", \"read_only\""},
         {R"({"efs": 1})", "p: /efs: expected an object, found 1"},

@@ -12,7 +12,9 @@ AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
       profile_(profile),
       terminal_(core, "at", [this](wire::View bytes) { received(bytes); }),
       device_(terminal_.device().empty() ? "" : core.folder().at("at")),
-      network_(core, commands_, sim, [this](const std::string& line) { reports_.push_back(line); }) {
+      network_(
+          commands_, sim, [this] { core_.restart_modem(); },
+          [this](const std::string& line) { reports_.push_back(line); }) {
     add_basic_commands(commands_, settings_);
     add_identity_commands(commands_);
     add_card_commands(commands_, sim);
@@ -50,7 +52,7 @@ void AtChannel::received(wire::View bytes) {
         if (!line)
             continue;
         send(std::exchange(echo, ""));
-        finish(std::move(*line));
+        finish(*line);
     }
     waiting_.erase(0, taken);
     send(echo);
@@ -58,7 +60,7 @@ void AtChannel::received(wire::View bytes) {
         core_.state().set("at", "lines", lines_);
 }
 
-void AtChannel::finish(AtLine line) {
+void AtChannel::finish(const AtLine& line) {
     log(Direction::kToModem, line.raw);
     ++lines_;
     // A modem that is away neither hears nor answers.
@@ -96,7 +98,7 @@ void AtChannel::carry_out(const std::string& text) {
 AtOutcome AtChannel::run(const std::string& text) {
     AtParser parser(text);
     while (const auto command = parser.next()) {
-        const AtOutcome outcome = commands_.run(*command);
+        AtOutcome outcome = commands_.run(*command);
         if (!outcome.lines.empty())
             send_lines(outcome.lines);
         if (!outcome.ok())

@@ -26,7 +26,7 @@ public:
 
 private:
     void received(wire::View bytes);
-    void finish(AtLine line);
+    void finish(const AtLine& line);
     void carry_out(const std::string& text);
     void answer(const AtAnswer& answer);
     void answer(const AtOutcome& outcome);

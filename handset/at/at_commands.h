@@ -13,7 +13,6 @@
 
 namespace handset {
 
-class Core;
 class SimAccess;
 
 /// What a terminal program sets; a power-up, ATZ and AT&F bring the defaults back.

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "at_sim.h"
-#include "core.h"
 
 namespace handset {
 namespace {
@@ -30,9 +29,9 @@ constexpr size_t kContextNameMax = 100;
 
 }  // namespace
 
-AtNetwork::AtNetwork(Core& core, AtCommands& commands, SimAccess& sim,
+AtNetwork::AtNetwork(AtCommands& commands, SimAccess& sim, std::function<void()> restart,
                      std::function<void(const std::string&)> report)
-    : core_(core), sim_(sim), report_(std::move(report)) {
+    : sim_(sim), restart_(std::move(restart)), report_(std::move(report)) {
     commands.add("+CFUN", [this](const AtCommand& command) { return functionality(command); });
     commands.add("+COPS", [this](const AtCommand& command) { return operator_selection(command); });
     commands.add("+CGDCONT", [this](const AtCommand& command) { return contexts(command); });
@@ -84,7 +83,7 @@ AtOutcome AtNetwork::functionality(const AtCommand& command) {
         return AtError::kWrongParameters;
     functionality_ = *wanted;
     if (*reset == 1)
-        core_.restart_modem();
+        restart_();
     report_changes();
     return {};
 }

@@ -12,8 +12,9 @@ namespace handset {
 
 class AtNetwork {
 public:
-    /// Puts the network's commands in. `report` sends a line that nobody asked for.
-    AtNetwork(Core& core, AtCommands& commands, SimAccess& sim,
+    /// Puts the network's commands in. `restart` restarts the modem, `report` sends a line that nobody asked
+    /// for.
+    AtNetwork(AtCommands& commands, SimAccess& sim, std::function<void()> restart,
               std::function<void(const std::string& line)> report);
     AtNetwork(const AtNetwork&) = delete;
     AtNetwork& operator=(const AtNetwork&) = delete;
@@ -43,8 +44,8 @@ private:
     uint32_t status(const Registration& registration) const;
     void report_changes();
 
-    Core& core_;
     SimAccess& sim_;
+    const std::function<void()> restart_;
     const std::function<void(const std::string&)> report_;
     uint32_t functionality_ = 1;
     bool deregistered_ = false;

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <string_view>
+#include <utility>
 
 #include "identity.h"
 
@@ -11,6 +12,8 @@ namespace {
 enum Code : uint8_t {
     kVersion = 0x00,
     kBadCommand = 0x13,
+    kBadParameters = 0x14,
+    kBadLength = 0x15,
     kTime = 0x1D,
     kLoopBack = 0x7B,
     kExtendedBuildId = 0x7C,
@@ -42,25 +45,36 @@ wire::Bytes extended_build_id() {
     return answer.take();
 }
 
-// Units of 1.25 ms since 6 January 1980 in the upper 48 bits; the 16 below them divide a unit.
 wire::Bytes time() {
-    using Unit = std::chrono::duration<uint64_t, std::ratio<1, 800>>;
-    constexpr std::chrono::seconds kEpoch(315'964'800);  // since 1970
-    const auto now = std::chrono::system_clock::now().time_since_epoch() - kEpoch;
     wire::Writer answer;
-    answer.u8(kTime).u64(std::chrono::duration_cast<Unit>(now).count() << 16);
+    answer.u8(kTime).u64(diag_timestamp());
     return answer.take();
 }
 
-wire::Bytes bad_command(wire::View command) {
+wire::Bytes refusal(Code why, wire::View command) {
     wire::Writer answer;
-    answer.u8(kBadCommand).bytes(command);
+    answer.u8(why).bytes(command);
     return answer.take();
+}
+
+wire::Bytes mask_command(wire::View command, DiagMasks& masks) {
+    DiagMasks::Outcome outcome = masks.carry_out(command);
+    if (outcome.kind == DiagMasks::Outcome::kAnswer)
+        return std::move(outcome.answer);
+    return refusal(outcome.kind == DiagMasks::Outcome::kBadLength ? kBadLength : kBadParameters, command);
 }
 
 }  // namespace
 
-wire::Bytes answer_diag_command(wire::View command) {
+uint64_t diag_timestamp() {
+    using Unit = std::chrono::duration<uint64_t, std::ratio<1, 800>>;
+    constexpr std::chrono::seconds kEpoch(315'964'800);  // since 1970
+    const auto now = std::chrono::system_clock::now().time_since_epoch() - kEpoch;
+    // The 16 bits below the units divide one.
+    return std::chrono::duration_cast<Unit>(now).count() << 16;
+}
+
+wire::Bytes answer_diag_command(wire::View command, DiagMasks& masks) {
     switch (wire::Reader(command).u8()) {
         case kVersion:
             return version();
@@ -70,8 +84,12 @@ wire::Bytes answer_diag_command(wire::View command) {
             return command.copy();
         case kExtendedBuildId:
             return extended_build_id();
+        case kDiagEventReport:
+        case kDiagLogConfig:
+        case kDiagMessageConfig:
+            return mask_command(command, masks);
         default:
-            return bad_command(command);
+            return refusal(kBadCommand, command);
     }
 }
 

@@ -5,7 +5,7 @@
 
 #include "core.h"
 #include "describe.h"
-#include "diag_peripheral.h"
+#include "diag_responder.h"
 #include "profile_section.h"
 
 namespace handset {
@@ -66,10 +66,6 @@ void describe_packet(bool to_modem, wire::View packet, WireLine& line) {
     const messages::DiagMessage message = messages::decode_diag(to_modem, packet);
     line.word(messages::label(message.name, message.number));
     messages::describe(message, line);
-}
-
-bool begins_with(wire::View bytes, const wire::Bytes& beginning) {
-    return bytes.size >= beginning.size() && std::equal(beginning.begin(), beginning.end(), bytes.data);
 }
 
 wire::Bytes event_of(uint8_t event, wire::View bytes) {
@@ -192,7 +188,7 @@ bool DiagPort::has_processor(int32_t processor) const {
 DiagPort::Outcome DiagPort::send_command(ConnectionId connection, int32_t processor, wire::View command) {
     if (!has_processor(processor) || command.size == 0)
         return {};
-    const DiagResponse response = response_to(command);
+    const DiagResponse response = diag_response(profile_, sessions_[connection].masks, command);
     wire::Writer event;
     event.u8(wire::kDiagEventResponse).u8(response.processor.value_or(static_cast<uint8_t>(processor)));
     event.bytes(*response.bytes);
@@ -202,22 +198,8 @@ DiagPort::Outcome DiagPort::send_command(ConnectionId connection, int32_t proces
 DiagPort::Outcome DiagPort::send_dci_command(ConnectionId connection, int32_t client, wire::View command) {
     if (sessions_[connection].clients.count(client) == 0 || command.size == 0)
         return {};
-    const DiagResponse response = response_to(command);
+    const DiagResponse response = diag_response(profile_, sessions_[connection].masks, command);
     return respond(connection, client, response, dci_events(*response.bytes, response.pieces));
-}
-
-DiagResponse DiagPort::response_to(wire::View command) const {
-    DiagResponse response;
-    response.timing = profile_.timing;
-    for (const DiagResponse& wanted : profile_.responses) {
-        if (begins_with(command, wanted.command)) {
-            response = wanted;
-            break;
-        }
-    }
-    if (!response.bytes)
-        response.bytes = answer_diag_command(command);
-    return response;
 }
 
 DiagPort::Outcome DiagPort::respond(ConnectionId connection, int32_t client, const DiagResponse& response,

@@ -7,6 +7,7 @@
 #include <set>
 #include <vector>
 
+#include "diag_masks.h"
 #include "diag_profile.h"
 #include "port.h"
 
@@ -31,6 +32,7 @@ private:
         bool open = false;
         std::set<int32_t> clients;    // of the DCI road
         std::set<int32_t> listeners;  // clients that get the streams
+        DiagMasks masks;
     };
 
     struct Outcome {
@@ -44,8 +46,6 @@ private:
     Outcome send_dci_command(ConnectionId connection, int32_t client, wire::View command);
     bool has_processor(int32_t processor) const;
 
-    /// With its bytes, whoever gives them.
-    DiagResponse response_to(wire::View command) const;
     Outcome respond(ConnectionId connection, int32_t client, const DiagResponse& response,
                     const std::vector<wire::Bytes>& events);
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "messages.h"
+#include "serving_cell.h"
 
 namespace handset {
 namespace {
@@ -12,6 +13,9 @@ namespace {
 constexpr uint32_t kLongestTimeMs = 600'000;
 constexpr size_t kMostEntries = 1000;
 constexpr size_t kMostPieces = 100;
+
+// Equipment id 0 has no logs.
+constexpr uint16_t kFirstLogCode = 0x1000;
 
 // With the event and the processor in front of it, it is one packet.
 constexpr uint32_t kLongestContent = wire::kDiagPacketMax - 2;
@@ -99,6 +103,17 @@ void read_stream(Section& section, DiagStream& stream) {
     section.integer<uint32_t>("count", stream.count, 1);
 }
 
+void read_log(Section& section, DiagLog& log) {
+    section.require("code");
+    section.integer<uint16_t>("code", log.code, kFirstLogCode);
+    section.bytes("bytes", log.bytes, UINT16_MAX - DiagLog::kHeaderSize);
+    if (section.has("bytes") && section.has("record"))
+        section.fail("record", "the bytes are given already");
+    section.object("record", [&log](Section& record) { log.bytes = read_serving_cell(record); });
+    read_time(section, "every_ms", log.every);
+    section.integer<uint32_t>("count", log.count, 1);
+}
+
 void read_results(Section& section, std::map<uint8_t, int32_t>& results) {
     for (const messages::DiagOp& op : messages::diag_ops()) {
         int32_t result = op.done;
@@ -121,6 +136,8 @@ void read_profile(Section& section, DiagProfile& diag) {
     });
     section.list("streams", kMostEntries,
                  [&diag](Section& entry) { read_stream(entry, diag.streams.emplace_back()); });
+    section.list("logs", kMostEntries,
+                 [&diag](Section& entry) { read_log(entry, diag.logs.emplace_back()); });
 }
 
 }  // namespace handset

@@ -39,6 +39,15 @@ struct DiagStream {
     uint32_t count = 1;
 };
 
+/// A log that the diagnostic port sends while its reader's mask lets it through.
+struct DiagLog {
+    static constexpr size_t kHeaderSize = 12;  // in front of its bytes: length, code, time
+    uint16_t code = 0;
+    wire::Bytes bytes;
+    std::chrono::milliseconds every{0};
+    uint32_t count = 1;
+};
+
 struct DiagProfile {
     /// Bit n: there is a processor n + 1.
     uint16_t remote_mask = 0;
@@ -49,6 +58,7 @@ struct DiagProfile {
     DiagTiming timing;
     std::vector<DiagResponse> responses;
     std::vector<DiagStream> streams;
+    std::vector<DiagLog> logs;
 };
 
 void read_profile(Section& section, DiagProfile& diag);

@@ -56,6 +56,10 @@ Rows services(const std::string& folder) {
         rows.emplace_back("qmi " + std::to_string(service.first), service.second);
     if (fs::is_socket(folder + "/diag", ignored))
         rows.emplace_back("diag", "diag");
+    for (const char* port : {"at", "dm"}) {
+        if (fs::is_symlink(folder + "/" + port, ignored))
+            rows.emplace_back(port, "terminal");
+    }
     return rows;
 }
 

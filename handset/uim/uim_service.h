@@ -20,8 +20,6 @@ public:
     QmiAnswer handle(const QmiRequest& request) override;
     void connection_closed(ConnectionId connection) override { clients_.erase(connection); }
 
-    UimSlots& slots() { return slots_; }
-
 private:
     /// What a connection wants to hear of.
     struct Client {

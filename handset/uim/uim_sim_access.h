@@ -20,11 +20,13 @@ public:
     }
 
     std::optional<wire::Bytes> transmit(uint8_t slot, uint8_t channel, wire::View apdu) override {
-        auto response = slots_.transmit(slot, channel, apdu);
+        auto response = slots_.transmit(slot, channel, apdu, kAnswerMax);
         return response.error == kQmiErrorNone ? std::optional(std::move(response.apdu)) : std::nullopt;
     }
 
 private:
+    static constexpr size_t kAnswerMax = 256 + 2;  // with the status words; more is fetched
+
     UimSlots& slots_;
 };
 

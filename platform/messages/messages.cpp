@@ -185,8 +185,12 @@ constexpr struct {
     uint8_t code;
     const char* name;
 } kDiagCodes[] = {
-    {0x00, "version"},   {0x13, "bad_command"},       {0x1D, "time"},
-    {0x7B, "loop_back"}, {0x7C, "extended_build_id"},
+    {0x00, "version"},        {0x10, "log"},
+    {0x13, "bad_command"},    {0x14, "bad_parameters"},
+    {0x15, "bad_length"},     {0x1D, "time"},
+    {0x60, "event_report"},   {0x73, "log_config"},
+    {0x7B, "loop_back"},      {0x7C, "extended_build_id"},
+    {0x7D, "message_config"},
 };
 
 template <typename T, size_t N>

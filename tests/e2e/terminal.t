@@ -62,6 +62,9 @@ Each argument is written as it stands, and what comes back until a final result 
   \r\nOK\r\n
   \r\n+CME ERROR: 21\r\n
   \r\n+CME ERROR: 21\r\n
+  $ ask 'AT+CIMI;+CCID\r' 'AT+CPIN="1234"\r'
+  \r\n001010000000019\r\n\r\n+CCID: 8900101000000000019\r\n\r\nOK\r\n
+  \r\n+CME ERROR: 3\r\n
   $ ask 'AT+CCHO="A000000001"\r' 'AT+CSIM=10,"FC00000000"\r' 'AT+CSIM=8,"00X40000"\r' 'AT+CIMI=1\r'
   \r\n+CME ERROR: 22\r\n
   \r\n+CSIM: 4,"6E00"\r\n\r\nOK\r\n
