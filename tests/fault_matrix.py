@@ -51,7 +51,7 @@ OWN = ("log", "state", "cards", "staging", "qmi", "lock", "diag", "at", "smd8")
 # command when it is away.
 DURING_RESTART = """
 "$0" 6 4 2 0 0 0 0 0 0 0 31 0 0 0 4 0 0 0 0 0x10 0 0 > /dev/null
-until grep -qs '^restarts.1' "$VXK_HANDSET_DIR/state/modem"; do :; done
+until grep -qs '^modem.restarts.1' "$VXK_HANDSET_DIR/state/board"; do :; done
 exec "$0" "$@"
 """
 

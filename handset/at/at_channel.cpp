@@ -88,7 +88,7 @@ void AtChannel::carry_out(const std::string& text) {
             received({});
             if (!busy_)
                 terminal_.resume();
-            core_.wire_log().flush();
+            core_.flush();
         });
         return;
     }
@@ -126,7 +126,7 @@ void AtChannel::send_unsolicited(const AtUnsolicited& unsolicited, uint32_t left
     core_.loop().after(delay, [this, &unsolicited, left] {
         if (core_.is_up())
             report(unsolicited.line);
-        core_.wire_log().flush();
+        core_.flush();
         if (left > 1)
             send_unsolicited(unsolicited, left - 1, unsolicited.every);
     });
@@ -161,7 +161,7 @@ void AtChannel::send_result(const std::string& result) {
 void AtChannel::send(const std::string& text) {
     if (text.empty())
         return;
-    core_.wire_log().flush();
+    core_.flush();
     terminal_.send({text.data(), text.size()});
 }
 

@@ -27,7 +27,7 @@ Core::Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem
 }
 
 void Core::log_event(const std::string& what) {
-    wire_log_.add(WireLine("modem", 0, Direction::kEvent).word(what));
+    wire_log_.add(WireLine("modem", 0, Direction::kEvent).event(what));
 }
 
 std::string Core::property(const std::string& name) const {
@@ -36,13 +36,14 @@ std::string Core::property(const std::string& name) const {
 
 void Core::start() {
     publish();
-    wire_log_.flush();
+    flush();
 }
 
 void Core::stop() {
     withdraw();
     state_.set("modem", "state", "off");
     log_event("off");
+    flush();
 }
 
 void Core::restart_modem() {
@@ -64,9 +65,9 @@ void Core::go_away() {
         away_ = false;
         state_.set("modem", "state", "up");
         publish();
-        wire_log_.flush();
+        flush();
     });
-    wire_log_.flush();
+    flush();
 }
 
 void Core::publish() {

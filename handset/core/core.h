@@ -43,6 +43,12 @@ public:
     StateBoard& state() { return state_; }
     ConnectionId next_connection() { return ++last_connection_; }
 
+    /// What was logged and shown is in the files: called before anything can be seen from outside.
+    void flush() {
+        state_.flush();
+        wire_log_.flush();
+    }
+
     /// A line of the wire log about the modem itself: "restart", "dump".
     void log_event(const std::string& what);
 
@@ -68,6 +74,8 @@ public:
     void restart_modem();
     /// False from a request to restart on, until it is done.
     bool is_up() const { return !away_; }
+    /// Since the boot.
+    unsigned restarts() const { return restarts_; }
     std::chrono::milliseconds restart_time() const { return modem_.restart_time; }
 
 private:

@@ -28,7 +28,7 @@ void describe_peer(const Peer& peer, WireLine& line) {
     line.number("pid", peer.pid);
     const std::string command = command_of(peer.pid);
     if (!command.empty())
-        line.text("command", command);
+        line.command(command);
 }
 
 }  // namespace
@@ -49,8 +49,8 @@ void Port::publish() {
     core_.loop().cancel(std::exchange(comeback_, 0));
     if (std::exchange(published_, true))
         return;
-    log(WireLine(where_, 0, Direction::kEvent).word("published"));
-    core_.wire_log().flush();
+    log(WireLine(where_, 0, Direction::kEvent).event("published"));
+    core_.flush();
     for (const auto& endpoint : endpoints_)
         endpoint->publish();
 }
@@ -59,8 +59,8 @@ void Port::withdraw() {
     core_.loop().cancel(std::exchange(comeback_, 0));
     if (!std::exchange(published_, false))
         return;
-    log(WireLine(where_, 0, Direction::kEvent).word("withdrawn"));
-    core_.wire_log().flush();
+    log(WireLine(where_, 0, Direction::kEvent).event("withdrawn"));
+    core_.flush();
     for (const auto& endpoint : endpoints_)
         endpoint->withdraw();
     while (!connections_.empty())
@@ -83,12 +83,14 @@ void Port::opened(Endpoint& endpoint, ConnectionId id, Peer peer) {
 
 void Port::received(ConnectionId id, wire::View packet) {
     handle(id, packet);
-    core_.wire_log().flush();
+    core_.flush();
 }
 
 void Port::received_too_much(ConnectionId id, size_t length) {
-    log(line(id, Direction::kToModem).word("malformed").unsigned_number("length", length));
-    core_.wire_log().flush();
+    log(line(id, Direction::kToModem)
+            .event("malformed", static_cast<uint32_t>(length))
+            .unsigned_number("length", length));
+    core_.flush();
 }
 
 void Port::closed(ConnectionId id) {
@@ -96,8 +98,8 @@ void Port::closed(ConnectionId id) {
     if (found == connections_.end())
         return;
     if (found->second.number != 0)
-        log(line(id, Direction::kEvent).word("closed"));
-    core_.wire_log().flush();
+        log(line(id, Direction::kEvent).event("closed"));
+    core_.flush();
     connections_.erase(found);
     connection_closed(id);
 }
@@ -116,7 +118,7 @@ void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& entr
     if (found == connections_.end())
         return;
     log(entry, packet);
-    core_.wire_log().flush();
+    core_.flush();
     found->second.endpoint->send(id, packet);
 }
 
@@ -190,7 +192,7 @@ WireLine Port::line(ConnectionId id, Direction direction) {
     if (number == 0) {
         number = ++last_number_;
         WireLine entry(where_, number, Direction::kEvent, peer.pid);
-        entry.word("connected");
+        entry.event("connected");
         describe_peer(peer, entry);
         log(entry);
     }

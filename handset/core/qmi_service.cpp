@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "layout.h"
+#include "packet_line.h"
 
 namespace handset {
 namespace {
@@ -77,13 +78,6 @@ private:
     std::optional<messages::Asked> asked_;
 };
 
-void describe_packet(const messages::QmiMessage& message, const messages::Asked* asked, WireLine& line) {
-    line.word(message.kind())
-        .word(messages::label(message.name(), message.packet.message))
-        .word("#" + std::to_string(message.packet.transaction));
-    messages::describe(message, asked, line);
-}
-
 }  // namespace
 
 wire::Writer qmi_result(uint32_t error) {
@@ -129,10 +123,12 @@ void QmiPort::handle(ConnectionId connection, wire::View bytes) {
     WireLine entry = line(connection, Direction::kToModem);
     const auto packet = wire::decode_qmi(bytes);
     // Without a whole header there is no transaction to answer.
-    if (!packet)
-        return log(entry.word("malformed").bytes("packet", bytes), bytes);
+    if (!packet) {
+        write_malformed_packet(bytes, entry);
+        return log(entry, bytes);
+    }
     const messages::QmiMessage message = messages::decode(service_.id(), *packet);
-    describe_packet(message, nullptr, entry);
+    write_packet(message, nullptr, entry);
     log(entry, bytes);
     // Only requests are answered.
     if (packet->flags != wire::kQmiRequest)
@@ -144,12 +140,12 @@ void QmiPort::handle(ConnectionId connection, wire::View bytes) {
 WireLine QmiPort::packet_line(ConnectionId connection, wire::View bytes, const messages::Asked* asked) {
     WireLine entry = line(connection, Direction::kFromModem);
     if (const auto packet = wire::decode_qmi(bytes))
-        describe_packet(messages::decode(service_.id(), *packet), asked, entry);
+        write_packet(messages::decode(service_.id(), *packet), asked, entry);
     return entry;
 }
 
 WireLine QmiPort::no_answer_line(ConnectionId connection, uint16_t transaction) {
-    return line(connection, Direction::kFromModem).word("none").word("#" + std::to_string(transaction));
+    return line(connection, Direction::kFromModem).unanswered("#" + std::to_string(transaction), transaction);
 }
 
 }  // namespace handset

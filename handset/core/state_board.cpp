@@ -1,71 +1,64 @@
 #include "state_board.h"
 
-#include <unistd.h>
-
-#include <filesystem>
+#include <algorithm>
+#include <sstream>
 
 #include "folder.h"
 
 namespace handset {
 namespace {
 
-StateLines parse_lines(const std::string& text) {
-    StateLines lines;
-    for (size_t start = 0; start < text.size();) {
-        const size_t end = std::min(text.find('\n', start), text.size());
-        const size_t tab = text.find('\t', start);
-        if (tab < end)
-            lines.emplace_back(text.substr(start, tab - start), text.substr(tab + 1, end - tab - 1));
-        start = end + 1;
-    }
-    return lines;
-}
+constexpr char kFile[] = "state/board";
 
 }  // namespace
 
 std::map<std::string, StateLines> read_states(const std::string& folder) {
     std::map<std::string, StateLines> states;
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(folder + "/state", ignored)) {
-        if (const auto text = read_text(entry.path().string()))
-            states[entry.path().filename().string()] = parse_lines(*text);
+    std::istringstream file(read_text(folder + "/" + kFile).value_or(""));
+    for (std::string line; std::getline(file, line);) {
+        const size_t name = std::min(line.find('\t'), line.size() - 1) + 1;
+        const size_t value = std::min(line.find('\t', name), line.size() - 1) + 1;
+        if (name > 1 && value > name)
+            states[line.substr(0, name - 1)].emplace_back(line.substr(name, value - name - 1),
+                                                          line.substr(value));
     }
     return states;
 }
 
-StateBoard::StateBoard(Folder& folder) : folder_(folder), states_(read_states(folder.path())) {}
-
 void StateBoard::set(const std::string& subject, const std::string& name, const std::string& value) {
     StateLines& lines = states_[subject];
-    bool known = false;
-    for (auto& line : lines) {
-        if (line.first == name) {
-            line.second = value;
-            known = true;
-        }
-    }
-    if (!known)
+    const auto known =
+        std::find_if(lines.begin(), lines.end(), [&name](const auto& line) { return line.first == name; });
+    if (known == lines.end())
         lines.emplace_back(name, value);
-    std::string text;
-    for (const auto& line : lines)
-        text.append(line.first).append(1, '\t').append(line.second).append(1, '\n');
-    folder_.replace(folder_.at("state/" + subject), text);
-}
-
-std::optional<std::string> StateBoard::get(const std::string& subject, const std::string& name) const {
-    const auto found = states_.find(subject);
-    if (found == states_.end())
-        return std::nullopt;
-    for (const auto& line : found->second) {
-        if (line.first == name)
-            return line.second;
-    }
-    return std::nullopt;
+    else if (known->second != value)
+        known->second = value;
+    else
+        return;
+    changed_ = true;
 }
 
 void StateBoard::clear(const std::string& subject) {
     if (states_.erase(subject) != 0)
-        unlink(folder_.at("state/" + subject).c_str());
+        changed_ = true;
+}
+
+void StateBoard::flush() {
+    if (!changed_)
+        return;
+    std::string text;
+    for (const auto& subject : states_) {
+        for (const auto& line : subject.second)
+            text.append(subject.first)
+                .append(1, '\t')
+                .append(line.first)
+                .append(1, '\t')
+                .append(line.second)
+                .append(1, '\n');
+    }
+    // Shown or not, the handset works on; the next change tries again.
+    folder_.replace(folder_.at(kFile), text);
+    changed_ = false;
 }
 
 }  // namespace handset

@@ -1,10 +1,10 @@
-// What each subject lets people see of itself, state/<subject>: lines "name<TAB>value". `vxk-handset show`
-// prints every file that stands there, so a subject that writes here is shown. The files outlive the handset:
-// a subject may take up again what it left.
+// What each subject lets people see of itself: state/board, a line "subject<TAB>name<TAB>value" each.
+// `vxk-handset show` prints all of it, so a subject that writes here is shown. It is for people: what a
+// subject must find again is kept elsewhere (kept_state.h).
 #pragma once
 
+#include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,23 +21,24 @@ std::map<std::string, StateLines> read_states(const std::string& folder);
 
 class StateBoard {
 public:
-    explicit StateBoard(Folder& folder);
+    explicit StateBoard(Folder& folder) : folder_(folder) {}
 
-    /// Shows the value at once. Names and values hold no tabulators or line breaks.
+    /// Shows the value after the next flush(). Names and values hold no tabulators or line breaks.
     void set(const std::string& subject, const std::string& name, const std::string& value);
     void set(const std::string& subject, const std::string& name, uint64_t value) {
         set(subject, name, std::to_string(value));
     }
 
-    /// The last value, also of an earlier handset in this folder.
-    std::optional<std::string> get(const std::string& subject, const std::string& name) const;
-
     /// Forgets all that a subject has shown.
     void clear(const std::string& subject);
+
+    /// Called, as the wire log's is, before anything can be seen from outside.
+    void flush();
 
 private:
     Folder& folder_;
     std::map<std::string, StateLines> states_;
+    bool changed_ = false;
 };
 
 }  // namespace handset

@@ -95,7 +95,7 @@ void Terminal::look() {
         changed_(false);
     if (!is_deserted())
         look();
-    core_.wire_log().flush();
+    core_.flush();
 }
 
 // Whoever opens the terminal next finds no modes of his forerunners, and nothing that they left unread: no
@@ -165,7 +165,7 @@ void Terminal::ready(uint32_t events) {
         send_unsent();
     if ((events & EPOLLIN) != 0)
         receive();
-    core_.wire_log().flush();
+    core_.flush();
 }
 
 bool Terminal::receive() {

@@ -39,7 +39,6 @@ WireLine::WireLine(std::string_view where, uint32_t connection, Direction direct
     line_ += ' ';
     line_ += connection == 0 ? "-" : std::to_string(connection);
     line_ += direction == Direction::kToModem ? " ->" : direction == Direction::kFromModem ? " <-" : " --";
-    head_ = line_.size() + 1;
 }
 
 void WireLine::field(std::string_view name) {
@@ -53,6 +52,23 @@ WireLine& WireLine::word(std::string_view word) {
     line_ += ' ';
     line_ += word;
     return *this;
+}
+
+WireLine& WireLine::event(std::string_view what, uint32_t number) {
+    record_.event = what;
+    record_.number = number;
+    return word(what);
+}
+
+WireLine& WireLine::unanswered(std::string_view request, uint32_t number) {
+    record_.event = "unanswered";
+    record_.number = number;
+    return word("none").word(request);
+}
+
+WireLine& WireLine::command(std::string_view words) {
+    record_.command = words;
+    return text("command", words);
 }
 
 WireLine& WireLine::number(std::string_view name, int64_t value) {
@@ -137,25 +153,28 @@ WireLog::WireLog(const std::string& folder) : text_(folder + "/wire.log"), raw_(
 
 WireLog::~WireLog() = default;
 
-void WireLog::add(const WireLine& line, wire::View packet) {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    if (now.tv_sec != stamp_second_) {
+void WireStamp::append(std::string& out, const timespec& time) {
+    if (time.tv_sec != second_) {
         tm local{};
         char text[32];
-        localtime_r(&now.tv_sec, &local);
+        localtime_r(&time.tv_sec, &local);
         strftime(text, sizeof text, "%m-%d %H:%M:%S", &local);
-        stamp_ = text;
-        stamp_second_ = now.tv_sec;
+        text_ = text;
+        second_ = time.tv_sec;
     }
-    const int milliseconds = static_cast<int>(now.tv_nsec / 1'000'000) % 1000;
+    const int milliseconds = static_cast<int>(time.tv_nsec / 1'000'000) % 1000;
     const char fraction[] = {'.', static_cast<char>('0' + milliseconds / 100),
                              static_cast<char>('0' + milliseconds / 10 % 10),
                              static_cast<char>('0' + milliseconds % 10), ' '};
-    text_.pending.append(stamp_).append(fraction, sizeof fraction).append(line.str()).append(1, '\n');
+    out.append(text_).append(fraction, sizeof fraction);
+}
 
-    const std::string_view event = packet.size > 0 ? "" : std::string_view(line.str()).substr(line.head_);
-    append_record(raw_.pending, line.record_, now, packet, event);
+void WireLog::add(WireLine line, wire::View packet) {
+    clock_gettime(CLOCK_REALTIME, &line.record_.time);
+    line.record_.packet = packet;
+    stamp_.append(text_.pending, line.record_.time);
+    text_.pending.append(line.str()).append(1, '\n');
+    append_record(raw_.pending, line.record_);
 }
 
 void WireLog::flush() {

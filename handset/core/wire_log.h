@@ -24,6 +24,13 @@ public:
     WireLine(std::string_view where, uint32_t connection, Direction direction, pid_t pid = 0);
 
     WireLine& word(std::string_view word);
+
+    /// Something happened, and with it a number, if it has one (see wire_record.h).
+    WireLine& event(std::string_view what, uint32_t number = 0);
+    /// A request stays without an answer: "none", and which one, by its transaction or op.
+    WireLine& unanswered(std::string_view request, uint32_t number);
+    /// The process that has connected.
+    WireLine& command(std::string_view words);
     WireLine& number(std::string_view name, int64_t value) override;
     WireLine& unsigned_number(std::string_view name, uint64_t value) override;
     WireLine& real(std::string_view name, float value) override;
@@ -49,7 +56,16 @@ private:
     std::string line_;
     std::string prefix_;  // of the names in an item or a group, "entries.0."
     WireRecord record_;
-    size_t head_ = 0;  // where in the line what happened begins
+};
+
+/// The time at the front of a line, "MM-DD HH:MM:SS.mmm ".
+class WireStamp {
+public:
+    void append(std::string& out, const timespec& time);
+
+private:
+    int64_t second_ = -1;
+    std::string text_;
 };
 
 class WireLog {
@@ -61,8 +77,8 @@ public:
     WireLog& operator=(const WireLog&) = delete;
 
     /// Stamps the line with the present time. It is in the files after the next flush(), with the packet that
-    /// it tells of; a line without one tells of an event.
-    void add(const WireLine& line, wire::View packet = {});
+    /// it tells of, if it does.
+    void add(WireLine line, wire::View packet = {});
 
     /// Called before anything can be seen from outside, an answer as well as a closed connection: whoever
     /// sees it finds it in the log.
@@ -84,8 +100,7 @@ private:
 
     File text_;
     File raw_;
-    int64_t stamp_second_ = -1;
-    std::string stamp_;
+    WireStamp stamp_;
 };
 
 }  // namespace handset

@@ -5,10 +5,12 @@
 //   u64 seconds, u32 nanoseconds since 1970
 //   u8  direction: 0 to the modem, 1 from it, 2 something happened
 //   u32 connection, 0 for none; u32 process behind it, 0 when it is unknown
+//   u32 number: the transaction or op that stays unanswered, the length of a packet that was too long; else 0
 //   u8  length and the road with its service: "qmi/uim", "diag"
 //   u8  length and the name of the fault that struck
-//   u8  1: a packet follows; 0: the words of an event, as the line has them
-//   the rest
+//   u8  length and what happened; 0: the record is of a packet
+//   u16 length and the command of the process that has connected
+//   the packet
 //
 // A record that is cut short, as a killed handset or a full disk may leave it, is the last one.
 #pragma once
@@ -19,7 +21,6 @@
 #include <ctime>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "wire.h"
 
@@ -32,20 +33,18 @@ struct WireRecord {
     uint32_t connection = 0;
     Direction direction = Direction::kEvent;
     pid_t pid = 0;
+    uint32_t number = 0;
     std::string fault;
-};
-
-void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet,
-                   std::string_view event);
-
-/// A record as it is read back; views are of the bytes that were read.
-struct ReadRecord : WireRecord {
+    std::string event;
+    std::string command;
     timespec time{};
-    std::optional<wire::View> packet;
-    std::string_view event;
+    wire::View packet;  // somebody else's
 };
 
-/// Takes the first record from the front of `bytes`, or nothing, and leaves them, when there is no whole one.
-std::optional<ReadRecord> take_record(wire::View& bytes);
+void append_record(std::string& out, const WireRecord& record);
+
+/// Takes the first record, whose packet is a part of them, from the front of `bytes`, or nothing, and leaves
+/// them, when there is no whole one.
+std::optional<WireRecord> take_record(wire::View& bytes);
 
 }  // namespace handset

@@ -62,12 +62,6 @@ private:
     const int32_t done_;
 };
 
-void describe_packet(bool to_modem, wire::View packet, WireLine& line) {
-    const messages::DiagMessage message = messages::decode_diag(to_modem, packet);
-    line.word(messages::label(message.name, message.number));
-    messages::describe(message, line);
-}
-
 wire::Bytes event_of(uint8_t event, wire::View bytes) {
     wire::Writer packet;
     packet.u8(event).bytes(bytes);
@@ -95,7 +89,7 @@ DiagPort::DiagPort(Core& core, const DiagProfile& profile)
 
 void DiagPort::handle(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kToModem);
-    describe_packet(true, packet, entry);
+    write_packet(messages::decode_diag(true, packet), entry);
     log(entry, packet);
     DiagExchange exchange(*this, connection, packet);
     answer(connection, exchange);
@@ -103,14 +97,13 @@ void DiagPort::handle(ConnectionId connection, wire::View packet) {
 
 WireLine DiagPort::answer_line(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kFromModem);
-    describe_packet(false, packet, entry);
+    write_packet(messages::decode_diag(false, packet), entry);
     return entry;
 }
 
 WireLine DiagPort::no_answer_line(ConnectionId connection, uint8_t op) {
     return line(connection, Direction::kFromModem)
-        .word("none")
-        .word(messages::label(messages::decode_diag(true, {&op, 1}).name, op));
+        .unanswered(messages::label(messages::decode_diag(true, {&op, 1}).name, op), op);
 }
 
 Answer DiagPort::carry_out(ConnectionId connection, wire::View request) {
@@ -246,7 +239,7 @@ void DiagPort::send_event(ConnectionId connection, int32_t client, const wire::B
     if (session == sessions_.end() || (client != 0 && session->second.clients.count(client) == 0))
         return;
     WireLine entry = line(connection, Direction::kFromModem);
-    describe_packet(false, packet, entry);
+    write_packet(messages::decode_diag(false, packet), entry);
     send(connection, packet, entry);
 }
 

@@ -83,7 +83,7 @@ void DmPort::carry_out(wire::View command) {
 
 void DmPort::send_response(const wire::Bytes& response) {
     core_.wire_log().add(message_line(Direction::kFromModem, "response", response), response);
-    core_.wire_log().flush();
+    core_.flush();
     terminal_.send(diag_frame(response));
 }
 
@@ -120,7 +120,7 @@ void DmPort::send_log(const DiagLog& log) {
     WireLine entry(kWhere, 0, Direction::kFromModem);
     entry.word("log").number("code", log.code).bytes("data", log.bytes);
     core_.wire_log().add(entry, packet.data());
-    core_.wire_log().flush();
+    core_.flush();
     terminal_.send(diag_frame(packet.data()));
 }
 

@@ -1,11 +1,12 @@
 #include "maintenance.h"
 
-#include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "common_request.h"
 #include "core.h"
 #include "error.h"
+#include "kept_state.h"
 #include "modem_files.h"
 
 namespace handset {
@@ -23,35 +24,59 @@ constexpr char kGpioFile[] = "/nv/item_files/modem/kelvra/rf_ant_port_config";
 constexpr char kTxFile[] = "/nv/item_files/modem/antenna/ant_tx_config";
 constexpr uint32_t kGpioValuesMax = 50;
 
-// Counts on where an earlier handset in this folder has stopped.
-uint64_t count_up(Core& core, const std::string& what) {
-    const std::string last = core.state().get("maintenance", what).value_or("0");
-    const uint64_t count = strtoull(last.c_str(), nullptr, 10) + 1;
-    core.state().set("maintenance", what, count);
-    return count;
-}
+// What is counted in the folder, over all its handsets.
+class Counters {
+public:
+    explicit Counters(Core& core) : core_(core), kept_(core.folder(), "maintenance") {
+        for (const Counter& counter : kCounters) {
+            if (const uint64_t count = kept_.number(counter.key, 0))
+                core_.state().set("maintenance", counter.shown, count);
+        }
+    }
 
-void write_dump(Core& core) {
-    const uint64_t number = count_up(core, "full dumps");
+    uint64_t dump() { return count_up(kCounters[0]); }
+    void reboot() { count_up(kCounters[1]); }
+    void nv_sync() { count_up(kCounters[2]); }
+
+private:
+    struct Counter {
+        const char* key;
+        const char* shown;
+    };
+    static constexpr Counter kCounters[] = {
+        {"dumps", "full dumps"}, {"reboots", "reboots"}, {"nv_syncs", "nv syncs"}};
+
+    uint64_t count_up(const Counter& counter) {
+        const uint64_t count = kept_.count_up(counter.key);
+        core_.state().set("maintenance", counter.shown, count);
+        return count;
+    }
+
+    Core& core_;
+    KeptState kept_;
+};
+
+void write_dump(Core& core, Counters& counters) {
+    const uint64_t number = counters.dump();
     const std::string name = "dump/" + std::to_string(number);
-    const int error = core.folder().replace(core.folder().at(name),
-                                            "full dump " + std::to_string(number) + " after " +
-                                                core.state().get("modem", "restarts").value_or("0") +
-                                                " restarts since the handset was started\n");
+    const int error =
+        core.folder().replace(core.folder().at(name), "full dump " + std::to_string(number) + " after " +
+                                                          std::to_string(core.restarts()) +
+                                                          " restarts since the handset was started\n");
     if (error != 0)
         complain(system_error("cannot write " + name, error).what());
     core.log_event("dump");
 }
 
-CommonAnswer reset(Core& core, const CommonRequest& request) {
+CommonAnswer reset(Core& core, Counters& counters, const CommonRequest& request) {
     wire::Reader reader(request.value);
     const uint32_t kind = reader.u32();
     if (kind != kResetForRestart && kind != kResetForDump)
         return {kModemMalformed, {}};
     // A crash takes the whole handset down, for a dump, when the modem may not restart alone.
     if (kind == kResetForDump && core.property("persist.vendor.ssr.restart_level") == "ALL_DISABLE") {
-        write_dump(core);
-        count_up(core, "reboots");
+        write_dump(core, counters);
+        counters.reboot();
         core.log_event("reboot");
     }
     core.restart_modem();
@@ -89,10 +114,11 @@ CommonAnswer set_tx_antenna(ModemFiles& files, const CommonRequest& request) {
 }  // namespace
 
 void add_maintenance(Core& core, CommonRequests& requests, ModemFiles& files) {
+    const auto counters = std::make_shared<Counters>(core);
     requests.add(CommonForm::kTlv, kReset,
-                 [&core](const CommonRequest& request) { return reset(core, request); });
-    requests.add(CommonForm::kTlv, kNvSync, [&core](const CommonRequest&) {
-        count_up(core, "nv syncs");
+                 [&core, counters](const CommonRequest& request) { return reset(core, *counters, request); });
+    requests.add(CommonForm::kTlv, kNvSync, [counters](const CommonRequest&) {
+        counters->nv_sync();
         return CommonAnswer();
     });
     requests.add(CommonForm::kGpio, 0,

@@ -70,6 +70,19 @@ int run(int argc, char** argv) {
     add_dir_option(*log_app, dir);
     log_app->add_flag("--follow", follow, "Go on with new lines until interrupted");
     log_app->add_flag("--system", system, "The system log instead of the wire log");
+    handset::LogChoice choice;
+    bool commands = false;
+    log_app->add_flag("--json", choice.json, "A JSON object a line");
+    log_app->add_option("--since", choice.since, "Only what is not older than a time as the log writes it")
+        ->type_name("TIME");
+    log_app->add_option("--command", choice.command, "Only the exchanges of the N-th process of --commands")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    log_app->add_option("--pid", choice.pid, "Only the exchanges of a process")
+        ->type_name("PID")
+        ->check(CLI::PositiveNumber);
+    log_app->add_flag("--commands", commands,
+                      "The processes that spoke to the modem, with time, pid and words");
 
     try {
         // The parser takes its words from the back.
@@ -85,6 +98,10 @@ int run(int argc, char** argv) {
     const std::string folder = dir.empty() ? handset::default_folder() : handset::resolved_folder(dir);
     if (*show_app)
         return handset::show(folder);
+    if (*log_app && commands)
+        return handset::show_commands(folder);
+    if (*log_app && choice.any())
+        return handset::show_records(folder, choice, follow);
     if (*log_app)
         return handset::show_log(folder, system, follow);
     if (*serve_app)

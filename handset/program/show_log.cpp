@@ -72,35 +72,41 @@ private:
     std::string pending_;
 };
 
-void print_new_lines(int fd, LogPrinter& printer) {
+void read_what_is_there(int fd, const std::function<void(std::string_view)>& take) {
     std::array<char, 65536> buffer;
     ssize_t count;
     while ((count = read(fd, buffer.data(), buffer.size())) > 0)
-        printer.print({buffer.data(), static_cast<size_t>(count)});
+        take({buffer.data(), static_cast<size_t>(count)});
 }
 
 }  // namespace
 
-int show_log(const std::string& folder, bool system, bool follow) {
-    const std::string path = folder + (system ? "/log/system.log" : "/log/wire.log");
+void read_growing_file(const std::string& path, bool follow,
+                       const std::function<void(std::string_view)>& take) {
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
         throw system_error("cannot read " + path, errno);
-    LogPrinter printer(system, isatty(STDOUT_FILENO) != 0 && getenv("NO_COLOR") == nullptr);
     if (!follow) {
-        print_new_lines(fd, printer);
+        read_what_is_there(fd, take);
         close(fd);
-        return 0;
+        return;
     }
     const int changes = inotify_init1(IN_CLOEXEC);
     if (changes < 0 || inotify_add_watch(changes, path.c_str(), IN_MODIFY) < 0)
         throw system_error("cannot follow " + path, errno);
     for (;;) {
-        print_new_lines(fd, printer);
+        read_what_is_there(fd, take);
         std::array<char, 4096> events;
         if (read(changes, events.data(), events.size()) < 0 && errno != EINTR)
             throw system_error("cannot follow " + path, errno);
     }
+}
+
+int show_log(const std::string& folder, bool system, bool follow) {
+    LogPrinter printer(system, isatty(STDOUT_FILENO) != 0 && getenv("NO_COLOR") == nullptr);
+    read_growing_file(folder + (system ? "/log/system.log" : "/log/wire.log"), follow,
+                      [&printer](std::string_view text) { printer.print(text); });
+    return 0;
 }
 
 }  // namespace handset

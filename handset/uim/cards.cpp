@@ -78,7 +78,7 @@ void Cards::set_present(uint32_t slot, bool present) {
     for (const auto& action : change_actions_)
         action(slot);
     // A card may go while nobody speaks to the modem.
-    core_.wire_log().flush();
+    core_.flush();
 }
 
 CommonAnswer Cards::status_of(const CommonRequest& request) const {

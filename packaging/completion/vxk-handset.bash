@@ -56,7 +56,7 @@ _vxk_handset() {
             run) words="--dir --profile --bus --help --" ;;
             serve | shell) words="--dir --profile --bus --help" ;;
             show) words="--dir --help" ;;
-            log) words="--dir --follow --system --help" ;;
+            log) words="--dir --follow --system --json --since --command --pid --commands --help" ;;
         esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
