@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "control.h"
 #include "endpoint.h"
 #include "event_loop.h"
 #include "fault.h"
@@ -18,6 +19,7 @@
 
 namespace handset {
 
+class QmiService;
 class Section;
 
 struct ModemProfile {
@@ -39,7 +41,6 @@ public:
     EventLoop& loop() { return loop_; }
     Folder& folder() { return folder_; }
     WireLog& wire_log() { return wire_log_; }
-    FaultBook& faults() { return faults_; }
     StateBoard& state() { return state_; }
     ConnectionId next_connection() { return ++last_connection_; }
 
@@ -48,6 +49,11 @@ public:
         state_.flush();
         wire_log_.flush();
     }
+
+    Control& control() { return control_; }
+
+    /// The fault that spoils an exchange, or null; asked for once an exchange.
+    const Fault* next_fault(const ExchangeKey& key);
 
     /// A line of the wire log about the modem itself: "restart", "dump".
     void log_event(const std::string& what);
@@ -60,6 +66,9 @@ public:
     /// Every port calls this as it is made. It is published with the others and lives until they are
     /// withdrawn for good.
     void add_port(Port& port) { ports_.push_back(&port); }
+
+    /// Every QMI service calls this as it is made, to be found by its number.
+    void add_service(QmiService& service);
 
     /// Called whenever the modem has just gone away, to bring a subject's state to that after power-up.
     void on_restart(std::function<void()> action) { restart_actions_.push_back(std::move(action)); }
@@ -82,16 +91,21 @@ private:
     void publish();
     void withdraw();
     void go_away();
+    void show_faults();
+    void indicate(const Control::Words& words);
+    std::string control_faults(const Control::Words& words);
 
     EventLoop& loop_;
-    const ModemProfile modem_;
+    ModemProfile modem_;
     Folder folder_;
     WireLog wire_log_;
     FaultBook faults_;
     StateBoard state_;
+    Control control_;
     std::vector<std::unique_ptr<Transport>> transports_;
     std::vector<std::function<void()>> restart_actions_;
     std::vector<Port*> ports_;
+    std::vector<QmiService*> services_;
     ConnectionId last_connection_ = 0;
     unsigned restarts_ = 0;
     bool away_ = false;

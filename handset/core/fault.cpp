@@ -1,5 +1,7 @@
 #include "fault.h"
 
+#include <algorithm>
+
 #include "messages.h"
 
 namespace handset {
@@ -121,6 +123,34 @@ void check_action_fits_road(Section& section, const Fault& fault) {
         section.fail("action", "\"tlvs\" needs \"road\": \"qmi\"");
 }
 
+// What a fault is for, in the words of the wire log: "uim get_eid", "extension efs_read", "diag open".
+std::string target_of(const Fault& fault) {
+    const bool diag = fault.road == Road::kDiag;
+    std::string target = diag            ? "diag"
+                         : fault.service ? messages::service_name(static_cast<uint16_t>(*fault.service))
+                                         : "qmi";
+    if (fault.message) {
+        const auto number = static_cast<uint16_t>(*fault.message);
+        const auto service = static_cast<uint16_t>(fault.service.value_or(0));
+        const messages::DiagOp* op = diag ? messages::diag_op(static_cast<uint8_t>(number)) : nullptr;
+        const messages::Message* row = diag ? nullptr : messages::message(service, number);
+        target += " " + (op != nullptr    ? op->name
+                         : row != nullptr ? row->name
+                                          : "message " + std::to_string(number));
+    }
+    if (fault.code) {
+        for (const messages::Command& row : messages::commands()) {
+            if (fault.request.value_or(messages::kCommon) == row.request && row.code == *fault.code)
+                return target + " " + row.name;
+        }
+    }
+    if (fault.request)
+        target += " request " + std::to_string(*fault.request);
+    if (fault.code)
+        target += " code " + std::to_string(*fault.code);
+    return target;
+}
+
 }  // namespace
 
 const char* Fault::name() const {
@@ -140,20 +170,49 @@ void read_profile(Section& section, Fault& fault) {
     check_action_fits_road(section, fault);
 }
 
+Fault parse_fault(const std::string& text) {
+    Fault fault;
+    read_sections(text, "fault", [&fault](Section& section) { read_profile(section, fault); });
+    return fault;
+}
+
+FaultBook::FaultBook(const std::vector<Fault>& faults) {
+    for (const Fault& fault : faults)
+        add(fault);
+}
+
 const Fault* FaultBook::next(const ExchangeKey& key) {
-    for (size_t i = 0; i < faults_.size(); ++i) {
-        const Fault& fault = faults_[i];
-        const bool over = fault.hits != 0 && used_[i] >= uint64_t{fault.skip} + fault.hits;
+    for (Entry& entry : entries_) {
+        const Fault& fault = entry.fault;
+        const bool over = fault.hits != 0 && entry.used >= uint64_t{fault.skip} + fault.hits;
         if (over || !matches(fault, key))
             continue;
-        if (used_[i] >= fault.skip) {
+        if (entry.used >= fault.skip) {
             // An endless fault stays where it is.
-            used_[i] += fault.hits != 0 ? 1 : 0;
+            entry.used += fault.hits != 0 ? 1 : 0;
+            entry.met = true;
             return &fault;
         }
-        ++used_[i];
+        ++entry.used;
     }
     return nullptr;
+}
+
+std::vector<FaultBook::Line> FaultBook::lines() const {
+    std::vector<Line> lines;
+    for (const Entry& entry : entries_) {
+        const Fault& fault = entry.fault;
+        const uint32_t passed = std::min(entry.used, fault.skip);
+        std::string left = "for ever";
+        if (fault.hits != 0) {
+            const uint64_t hits = uint64_t{fault.skip} + fault.hits - std::max(entry.used, fault.skip);
+            left = std::to_string(hits) + (hits == 1 ? " hit left" : " hits left");
+        }
+        if (passed < fault.skip)
+            left += " after " + std::to_string(fault.skip - passed) + " more";
+        lines.push_back({target_of(fault) + ": " + fault.name(), left, entry.met});
+    }
+    return lines;
 }
 
 }  // namespace handset

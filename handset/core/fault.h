@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,16 +65,34 @@ void read_profile(Section& section, Fault& fault);
 
 class FaultBook {
 public:
-    explicit FaultBook(const std::vector<Fault>& faults) : faults_(faults) {}
+    explicit FaultBook(const std::vector<Fault>& faults);
 
     /// The fault that spoils this exchange, or null. Each exchange is to be asked for once: faults are looked
-    /// at in the profile's order, one that still lets exchanges pass counts this one and leaves it to the
-    /// next fault.
+    /// at in the order in which they came, one that still lets exchanges pass counts this one and leaves it
+    /// to the next fault. The fault is valid until clear().
     const Fault* next(const ExchangeKey& key);
 
+    void add(const Fault& fault) { entries_.push_back({fault, 0, false}); }
+    void clear() { entries_.clear(); }
+
+    /// "uim get_eid: no_answer" and "1 hit left", for a person.
+    struct Line {
+        std::string fault;
+        std::string left;
+        bool met;  // whether it has struck
+    };
+    std::vector<Line> lines() const;
+
 private:
-    std::vector<Fault> faults_;
-    std::vector<uint32_t> used_ = std::vector<uint32_t>(faults_.size(), 0);
+    struct Entry {
+        Fault fault;
+        uint32_t used;  // exchanges let pass and spoilt
+        bool met;
+    };
+    std::list<Entry> entries_;
 };
+
+/// Reads a single fault, a JSON object. Throws ProfileError.
+Fault parse_fault(const std::string& text);
 
 }  // namespace handset

@@ -123,7 +123,7 @@ void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& entr
 }
 
 void Port::answer(ConnectionId connection, Exchange& exchange) {
-    const Fault* fault = core_.faults().next(exchange.key());
+    const Fault* fault = core_.next_fault(exchange.key());
     Answer answer;
     if (fault == nullptr || fault->acts)
         answer = exchange.act();

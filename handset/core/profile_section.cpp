@@ -172,6 +172,10 @@ bool Section::is_text(const char* key) const {
     return has(key) && node_.json.at(key).is_string();
 }
 
+void Section::accept(const char* key) {
+    node_.find(key);
+}
+
 void Section::require(const char* key) const {
     if (!has(key))
         node_.refuse(node_.place, std::string("the key \"") + key + "\" is missing");
@@ -309,6 +313,14 @@ void Section::map(const char* key, const ReadNamed& read) {
     for (const auto& entry : found->items())
         Node::read_object(entry.value(), node_.file, place + Node::step(entry.key()),
                           [&](Section& section) { read(entry.key(), section); });
+}
+
+void Section::each(const ReadNamed& read) {
+    for (const auto& entry : node_.json.items()) {
+        node_.known.insert(entry.key());
+        Node::read_object(entry.value(), node_.file, node_.place_of(entry.key()),
+                          [&](Section& section) { read(entry.key(), section); });
+    }
 }
 
 void Section::integers(const char* key, std::vector<uint64_t>& values, size_t longest, uint64_t highest) {

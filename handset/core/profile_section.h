@@ -34,6 +34,9 @@ public:
     bool has(const char* key) const;
     bool is_text(const char* key) const;
 
+    /// A key that may stand here, whoever takes it.
+    void accept(const char* key);
+
     /// Refuses the section when the key is absent.
     void require(const char* key) const;
 
@@ -87,6 +90,9 @@ public:
 
     /// An object whose keys are names of the writer's choice and whose values are objects.
     void map(const char* key, const ReadNamed& read);
+
+    /// The section itself as such an object.
+    void each(const ReadNamed& read);
 
     /// A list of whole numbers or texts; it replaces what was there.
     void integers(const char* key, std::vector<uint64_t>& values, size_t longest, uint64_t highest);

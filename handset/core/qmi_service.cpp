@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "core.h"
 #include "layout.h"
 #include "packet_line.h"
 
@@ -88,7 +89,9 @@ wire::Writer qmi_result(uint32_t error) {
     return body;
 }
 
-QmiService::QmiService(Core& core, uint16_t id) : id_(id), port_(std::make_unique<QmiPort>(core, *this)) {}
+QmiService::QmiService(Core& core, uint16_t id) : id_(id), port_(std::make_unique<QmiPort>(core, *this)) {
+    core.add_service(*this);
+}
 
 QmiService::~QmiService() = default;
 

@@ -55,9 +55,10 @@ public:
     virtual void connection_opened(ConnectionId) {}
     virtual void connection_closed(ConnectionId) {}
 
-protected:
     /// Sends an indication to all that are connected.
     void indicate(uint16_t message, const wire::Bytes& body);
+
+protected:
     /// Sends one to a single connection.
     void indicate(uint16_t message, const wire::Bytes& body, ConnectionId connection);
 

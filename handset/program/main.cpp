@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "control.h"
 #include "error.h"
 #include "folder.h"
 #include "session.h"
@@ -84,6 +85,21 @@ int run(int argc, char** argv) {
     log_app->add_flag("--commands", commands,
                       "The processes that spoke to the modem, with time, pid and words");
 
+    std::vector<std::string> request;
+    const auto add_control = [&](const char* name, const char* help, const char* takes) {
+        CLI::App* control = app.add_subcommand(name, help);
+        add_dir_option(*control, dir);
+        control->add_option("words", request, "")->option_text(takes);
+        control->positionals_at_end();
+        return control;
+    };
+    const CLI::App* const controls[] = {
+        add_control("set", "Change a running handset, by the places of the profile", "KEY=VALUE..."),
+        add_control("fault", "The faults of a running handset", "add JSON | list | clear"),
+        add_control("event", "Make something happen to a running handset",
+                    "restart | pull SLOT | push SLOT | indication SERVICE ID TLVS"),
+    };
+
     try {
         // The parser takes its words from the back.
         app.parse(std::vector<std::string>(std::make_reverse_iterator(end_of_options), words.rend()));
@@ -96,6 +112,14 @@ int run(int argc, char** argv) {
     }
 
     const std::string folder = dir.empty() ? handset::default_folder() : handset::resolved_folder(dir);
+    for (const CLI::App* control : controls) {
+        if (!*control)
+            continue;
+        request.insert(request.begin(), control->get_name());
+        printf("%s", handset::ask_control(folder, request).c_str());
+        handset::flush_output();
+        return 0;
+    }
     if (*show_app)
         return handset::show(folder);
     if (*log_app && commands)

@@ -17,8 +17,20 @@ void read_profile(Section& section, SarProfile& sar) {
 }
 
 SarService::SarService(Core& core, const SarProfile& profile)
-    : QmiService(core, kSarServiceId), profile_(profile) {
-    core.state().set("sar", "dsi", profile_.valid ? std::to_string(profile_.dsi) : "none");
+    : QmiService(core, kSarServiceId), core_(core), profile_(profile) {
+    core.control().add_setting("sar", [this](Section& section) {
+        SarProfile changed = profile_;
+        read_profile(section, changed);
+        return [this, changed] {
+            profile_ = changed;
+            show();
+        };
+    });
+    show();
+}
+
+void SarService::show() {
+    core_.state().set("sar", "dsi", profile_.valid ? std::to_string(profile_.dsi) : "none");
 }
 
 QmiAnswer SarService::handle(const QmiRequest& request) {

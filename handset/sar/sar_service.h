@@ -25,7 +25,10 @@ public:
     QmiAnswer handle(const QmiRequest& request) override;
 
 private:
-    const SarProfile& profile_;
+    void show();
+
+    Core& core_;
+    SarProfile profile_;
 };
 
 }  // namespace handset

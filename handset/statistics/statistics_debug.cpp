@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <memory>
 
 #include "common_request.h"
 #include "core.h"
@@ -72,16 +73,27 @@ void read_profile(Section& section, DebugProfile& debug) {
         section.bytes("raw", debug.raw.emplace(), kPayloadMax);
 }
 
-void add_statistics_debug(Core& core, CommonRequests& requests, const DebugProfile& debug) {
-    core.state().clear("debug");
-    core.state().set("debug", "version", debug.version);
-    core.state().set("debug", "feature", debug.counters.front() != 0 ? "on" : "off");
-    core.state().set("debug", "not supported logs", debug.not_supported_logs.size());
-    requests.add(CommonForm::kDirect, kDebugInfo, [&debug](const CommonRequest&) {
-        return CommonAnswer{kModemOk, encode_counters(debug)};
+void add_statistics_debug(Core& core, CommonRequests& requests, const DebugProfile& profile) {
+    const auto debug = std::make_shared<DebugProfile>(profile);
+    const auto show = [&core, debug] {
+        core.state().set("debug", "version", debug->version);
+        core.state().set("debug", "feature", debug->counters.front() != 0 ? "on" : "off");
+        core.state().set("debug", "not supported logs", debug->not_supported_logs.size());
+    };
+    show();
+    core.control().add_setting("debug", [debug, show](Section& section) {
+        DebugProfile changed = *debug;
+        read_profile(section, changed);
+        return [debug, show, changed] {
+            *debug = changed;
+            show();
+        };
     });
-    requests.add(CommonForm::kDirect, kNotSupportedLogs, [&debug](const CommonRequest&) {
-        return CommonAnswer{kModemOk, encode_logs(debug)};
+    requests.add(CommonForm::kDirect, kDebugInfo, [debug](const CommonRequest&) {
+        return CommonAnswer{kModemOk, encode_counters(*debug)};
+    });
+    requests.add(CommonForm::kDirect, kNotSupportedLogs, [debug](const CommonRequest&) {
+        return CommonAnswer{kModemOk, encode_logs(*debug)};
     });
 }
 

@@ -28,8 +28,7 @@ struct DebugProfile {
 
 void read_profile(Section& section, DebugProfile& debug);
 
-/// Answers the two requests from now on.
-/// Answers the two common requests from now on; the profile outlives the requests.
+/// Answers the two common requests from now on.
 void add_statistics_debug(Core& core, CommonRequests& requests, const DebugProfile& debug);
 
 }  // namespace handset

@@ -1,5 +1,6 @@
 #include "statistics_records.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
@@ -116,6 +117,29 @@ wire::Bytes default_record(uint32_t id, uint16_t sub) {
 
 wire::Bytes read_record(Section& section, uint32_t id, uint16_t sub) {
     return pack_record(&section, id, sub);
+}
+
+void change_record(Section& section, uint32_t id, uint16_t sub, wire::Bytes& record) {
+    const messages::Record* known = messages::record(id);
+    if (known == nullptr)
+        return;
+    const wire::Bytes whole = default_record(id, sub);
+    if (record.size() != whole.size())
+        record = whole;
+    size_t offset = 0;
+    for (const RecordField& field : *known->layout) {
+        if (section.has(field.name)) {
+            double value = 0;
+            wire::Writer packed;
+            read_field(section, field, value);
+            pack(packed, field, value);
+            std::copy(packed.data().begin(), packed.data().end(),
+                      record.begin() + static_cast<std::ptrdiff_t>(offset));
+        } else {
+            section.accept(field.name);
+        }
+        offset += field.size();
+    }
 }
 
 }  // namespace handset

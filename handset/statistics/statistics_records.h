@@ -18,4 +18,8 @@ wire::Bytes default_record(uint32_t id, uint16_t sub);
 /// field.
 wire::Bytes read_record(Section& section, uint32_t id, uint16_t sub);
 
+/// Changes the fields of a record that stand in the section, and leaves the others. A record that was cut or
+/// has other bytes is made a whole one first.
+void change_record(Section& section, uint32_t id, uint16_t sub, wire::Bytes& record);
+
 }  // namespace handset

@@ -85,6 +85,13 @@ private:
     uint8_t count_ = 0;
 };
 
+std::string known_ids() {
+    std::string known;
+    for (const messages::Record& record : messages::records())
+        known += (known.empty() ? "" : ", ") + std::to_string(record.id);
+    return known;
+}
+
 bool section_has_fields(const Section& section, uint32_t id) {
     const messages::Record* known = messages::record(id);
     return known != nullptr && std::any_of(known->layout->begin(), known->layout->end(),
@@ -95,11 +102,8 @@ bool section_has_fields(const Section& section, uint32_t id) {
 void read_value(Section& section, uint32_t id, uint16_t sub, StatisticsValue& value) {
     value = {id, sub, 0, read_record(section, id, sub), 1};
     if (value.bytes.empty() && !section.has("raw")) {
-        std::string known;
-        for (const messages::Record& record : messages::records())
-            known += (known.empty() ? "" : ", ") + std::to_string(record.id);
-        section.fail("id",
-                     "no record is known by this data id, only by " + known + "; \"raw\" gives the bytes");
+        section.fail(
+            "id", "no record is known by this data id, only by " + known_ids() + "; \"raw\" gives the bytes");
     }
     if (!value.bytes.empty() && section.has("raw") && section_has_fields(section, id))
         section.fail("raw", "the record's fields are given already");
@@ -145,9 +149,28 @@ void read_profile(Section& section, StatisticsProfile& statistics) {
 
 StatisticsService::StatisticsService(Core& core, const StatisticsProfile& profile)
     : QmiService(core, kStatisticsServiceId), profile_(profile) {
-    core.state().clear("statistics");
+    core.control().add_setting("statistics", [this](Section& section) { return read_change(section); });
     core.state().set("statistics", "values", profile_.values.size());
     core.state().set("statistics", "indications", profile_.indications.size());
+}
+
+std::function<void()> StatisticsService::read_change(Section& section) {
+    auto values = profile_.values;
+    section.object("values", [&values](Section& ids) {
+        ids.each([&values](const std::string& id_text, Section& subs) {
+            const uint32_t id = number_in(id_text, "a data id", 0, UINT32_MAX);
+            subs.each([&](const std::string& sub_text, Section& fields) {
+                const auto sub =
+                    static_cast<uint16_t>(number_in(sub_text, "a subscription", 0, kSubscriptions - 1));
+                const auto value = values.find({id, sub});
+                if (value == values.end() || messages::record(id) == nullptr)
+                    fields.fail("", "no record is known by this data id, only by " + known_ids());
+                change_record(fields, id, sub, value->second.bytes);
+                value->second.length = static_cast<uint16_t>(value->second.bytes.size());
+            });
+        });
+    });
+    return [this, values] { profile_.values = values; };
 }
 
 QmiAnswer StatisticsService::handle(const QmiRequest& request) {

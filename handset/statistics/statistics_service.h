@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -45,7 +46,10 @@ private:
     wire::Bytes values(const QmiRequest& request);
     void say(StatisticsOccasion occasion);
 
-    const StatisticsProfile& profile_;
+    /// values.ID.SUB.FIELD of the profile's records.
+    std::function<void()> read_change(Section& section);
+
+    StatisticsProfile profile_;
 };
 
 }  // namespace handset

@@ -1,6 +1,7 @@
 #include "cards.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 
 #include "core.h"
@@ -49,7 +50,31 @@ Cards::Cards(Core& core, CommonRequests& requests, const CardsProfile& profile)
         core_.state().set("cards", slot_name(slots()), slot.present ? "card" : "empty");
     }
     core_.on_restart([this] { stop_hotswap(); });
+    core_.control().add_setting("cards", [this](Section& section) { return read_change(section); });
+    for (const bool push : {true, false})
+        core_.control().add_event(push ? "push" : "pull", "SLOT", [this, push](const Control::Words& words) {
+            if (words.size() != 1)
+                throw Error(std::string("event ") + (push ? "push" : "pull") + " takes a slot");
+            set_present(number_in(words[0], "a slot", 1, slots()), push);
+        });
     add_commands(requests);
+}
+
+// slots.N.present, counted from 0 as in the profile.
+std::function<void()> Cards::read_change(Section& section) {
+    std::map<uint32_t, bool> changes;
+    section.object("slots", [&](Section& list) {
+        list.each([&](const std::string& index, Section& slot) {
+            const uint32_t number = number_in(index, "a slot", 0, slots() - 1) + 1;
+            bool is_present = present(number);
+            slot.boolean("present", is_present);
+            changes[number] = is_present;
+        });
+    });
+    return [this, changes] {
+        for (const auto& change : changes)
+            set_present(change.first, change.second);
+    };
 }
 
 void Cards::add_commands(CommonRequests& requests) {

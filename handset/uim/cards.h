@@ -58,6 +58,7 @@ private:
     };
 
     void add_commands(CommonRequests& requests);
+    std::function<void()> read_change(Section& section);
     CommonAnswer status_of(const CommonRequest& request) const;
     CommonAnswer set_status(const CommonRequest& request);
     CommonAnswer hotswap(const CommonRequest& request);

@@ -11,6 +11,7 @@
 namespace handset {
 
 class Core;
+class Section;
 
 class Euicc {
 public:
@@ -39,9 +40,11 @@ public:
 private:
     CardContent content();
     void profile_changed(bool refresh);
+    std::function<void()> read_change(Section& section);
+    void show();
 
     Core& core_;
-    const EuiccProfile& profile_;
+    EuiccProfile profile_;
     EuiccMemory memory_;
     IsdR isd_r_;
     Card card_;

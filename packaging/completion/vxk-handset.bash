@@ -50,12 +50,14 @@ _vxk_handset() {
     esac
     local words="--help"
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="run serve shell show log --help --version"
+        words="run serve shell show log set fault event --help --version"
     else
         case ${COMP_WORDS[1]} in
             run) words="--dir --profile --bus --help --" ;;
             serve | shell) words="--dir --profile --bus --help" ;;
-            show) words="--dir --help" ;;
+            show | set) words="--dir --help" ;;
+            fault) words="add list clear --dir --help" ;;
+            event) words="restart pull push indication --dir --help" ;;
             log) words="--dir --follow --system --json --since --command --pid --commands --help" ;;
         esac
     fi

@@ -172,3 +172,37 @@ chosen by a process, by its number, or by a time is the part of the log itself.
   extension True -> request send 1 535 False None {'id': 2, 'data_len': 512, 'sub': 0, 'path': '/a'}
   extension True <- event unanswered 1 0 False no_answer {}
   extension True -- event closed None 0 False None {}
+
+What a running handset is changed by: the places of its profile, faults, events. What is unknown is refused with the choices, and nothing
+of its command is done. A fault that was never met is named when the handset stops.
+
+  $ boot '{"faults": [{"service": "extension", "code": "efs_read", "skip": 2, "hits": 0, "action": "close"}]}'
+  $ vxk-handset set sar.dsi=7 euicc.eid_ms=5 statistics.values.94.0.rssi0=-90; vxk 5 5 | tail -n 1; vxk 9 7 0 | tail -n 1
+  SAR DSI: 7
+  ASDIV DATA: rssi_rx0: -90.00, rssi_rx1: -59.50, rssi_rx2: -63.75, rssi_rx3: -64.50
+  $ for words in sar.x=1 "sar.dsi=8 cardz=1" statistics.values.94.0.y=1 sar.dsi=-1 foo ""; do vxk-handset set $words; done
+  vxk-handset: set: /sar/x: unknown key; known here: "dsi", "valid"
+  vxk-handset: set: /cardz: unknown key; known here: "cards", "debug", "euicc", "modem", "sar", "statistics"
+  vxk-handset: set: /statistics/values/94/0/y: unknown key; known here: "rssi0", "rssi1", "rssi2", "rssi3", "version"
+  vxk-handset: set: /sar/dsi: expected a whole number from 0 to 4294967295, found -1
+  vxk-handset: "foo" is not KEY=VALUE
+  vxk-handset: nothing to set; what can be set is below cards, debug, euicc, modem, sar, statistics
+  [1]
+  $ vxk-handset fault add '{"service": "sar", "message": "get_dsi", "action": "result", "result": 3}'; vxk 5 5 | tail -n 1; show faults
+  SAR DSI: 0
+  faults
+    1  extension efs_read: close, for ever after 2 more
+    2  sar get_dsi: result, 0 hits left
+  
+  $ vxk-handset event pull 1; vxk 5 10 4 0; vxk-handset set cards.slots.0.present=true; vxk 5 10 4 0
+  ABSENT,PRESENT
+  PRESENT,PRESENT
+  $ vxk-handset event indication sar 5 01 01 00 07; vxk-handset event indication uim 97 0; vxk-handset event hop
+  vxk-handset: the TLVs are bytes in hexadecimal, "01 02 FF"
+  vxk-handset: no event "hop"; there are indication, pull, push, restart
+  [1]
+  $ halt; cat "$VXK_HANDSET_DIR.err"
+  vxk-handset: a fault was never met: extension efs_read: close
+  $ vxk-handset event restart
+  vxk-handset: no handset runs in /*/h*: No such file or directory (glob)
+  [1]
