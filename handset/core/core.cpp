@@ -30,6 +30,10 @@ Core::Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem
     log_event("boot");
     show_faults();
     control_.add_command("fault", [this](const Control::Words& words) { return control_faults(words); });
+    control_.add_command("flush", [this](const Control::Words&) {
+        wire_log_.flush_records();
+        return std::string();
+    });
     control_.add_event("restart", "", [this](const Control::Words&) { restart_modem(); });
     control_.add_event("indication", "SERVICE ID TLVS",
                        [this](const Control::Words& words) { indicate(words); });
@@ -95,6 +99,19 @@ std::string Core::control_faults(const Control::Words& words) {
     }
     show_faults();
     return "";
+}
+
+void Core::flush() {
+    constexpr EventLoop::Milliseconds kRecordsPause(20);
+    state_.flush();
+    wire_log_.flush();
+    if (records_wait_ || !wire_log_.has_records())
+        return;
+    records_wait_ = true;
+    loop_.after(kRecordsPause, [this] {
+        records_wait_ = false;
+        wire_log_.flush_records();
+    });
 }
 
 void Core::log_event(const std::string& what) {

@@ -45,10 +45,7 @@ public:
     ConnectionId next_connection() { return ++last_connection_; }
 
     /// What was logged and shown is in the files: called before anything can be seen from outside.
-    void flush() {
-        state_.flush();
-        wire_log_.flush();
-    }
+    void flush();
 
     Control& control() { return control_; }
 
@@ -109,6 +106,7 @@ private:
     ConnectionId last_connection_ = 0;
     unsigned restarts_ = 0;
     bool away_ = false;
+    bool records_wait_ = false;
 };
 
 }  // namespace handset

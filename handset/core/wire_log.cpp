@@ -169,16 +169,22 @@ void WireStamp::append(std::string& out, const timespec& time) {
     out.append(text_).append(fraction, sizeof fraction);
 }
 
-void WireLog::add(WireLine line, wire::View packet) {
-    clock_gettime(CLOCK_REALTIME, &line.record_.time);
-    line.record_.packet = packet;
-    stamp_.append(text_.pending, line.record_.time);
+void WireLog::add(const WireLine& line, wire::View packet) {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    stamp_.append(text_.pending, now);
     text_.pending.append(line.str()).append(1, '\n');
-    append_record(raw_.pending, line.record_);
+    append_record(raw_.pending, line.record_, now, packet);
 }
 
 void WireLog::flush() {
+    constexpr size_t kMostRecords = 256 * 1024;
     text_.flush();
+    if (raw_.pending.size() > kMostRecords)
+        raw_.flush();
+}
+
+void WireLog::flush_records() {
     raw_.flush();
 }
 

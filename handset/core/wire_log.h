@@ -76,13 +76,17 @@ public:
     WireLog(const WireLog&) = delete;
     WireLog& operator=(const WireLog&) = delete;
 
-    /// Stamps the line with the present time. It is in the files after the next flush(), with the packet that
-    /// it tells of, if it does.
-    void add(WireLine line, wire::View packet = {});
+    /// Stamps the line with the present time. It is in wire.log after the next flush(); in wire.raw, with the
+    /// packet that it tells of, if it does, after the next flush_records().
+    void add(const WireLine& line, wire::View packet = {});
 
     /// Called before anything can be seen from outside, an answer as well as a closed connection: whoever
     /// sees it finds it in the log.
     void flush();
+
+    /// The records wait a moment, so that an exchange does not wait for them, but only so many.
+    void flush_records();
+    bool has_records() const { return !raw_.pending.empty(); }
 
 private:
     class File {

@@ -6,8 +6,10 @@ namespace handset {
 namespace {
 
 void append_number(std::string& out, uint64_t value, size_t width) {
+    char bytes[8];
     for (size_t i = 0; i < width; ++i)
-        out += static_cast<char>(value >> (8 * i));
+        bytes[i] = static_cast<char>(value >> (8 * i));
+    out.append(bytes, width);
 }
 
 void append_text(std::string& out, std::string_view text, size_t width) {
@@ -22,11 +24,11 @@ std::string_view text_of(wire::View bytes) {
 
 }  // namespace
 
-void append_record(std::string& out, const WireRecord& record) {
+void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet) {
     const size_t start = out.size();
     append_number(out, 0, 4);
-    append_number(out, static_cast<uint64_t>(record.time.tv_sec), 8);
-    append_number(out, static_cast<uint64_t>(record.time.tv_nsec), 4);
+    append_number(out, static_cast<uint64_t>(time.tv_sec), 8);
+    append_number(out, static_cast<uint64_t>(time.tv_nsec), 4);
     append_number(out, static_cast<uint8_t>(record.direction), 1);
     append_number(out, record.connection, 4);
     append_number(out, static_cast<uint32_t>(record.pid), 4);
@@ -35,7 +37,7 @@ void append_record(std::string& out, const WireRecord& record) {
     append_text(out, record.fault, 1);
     append_text(out, record.event, 1);
     append_text(out, record.command, 2);
-    out.append(text_of(record.packet));
+    out.append(text_of(packet));
     std::string length;
     append_number(length, out.size() - start - 4, 4);
     out.replace(start, 4, length);

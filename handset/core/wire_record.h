@@ -12,7 +12,8 @@
 //   u16 length and the command of the process that has connected
 //   the packet
 //
-// A record that is cut short, as a killed handset or a full disk may leave it, is the last one.
+// Records are written some milliseconds after their lines in wire.log. One that is cut short, as a full disk
+// may leave it, is the last one.
 #pragma once
 
 #include <sys/types.h>
@@ -41,7 +42,8 @@ struct WireRecord {
     wire::View packet;  // somebody else's
 };
 
-void append_record(std::string& out, const WireRecord& record);
+/// A record with its own time and packet left aside for these.
+void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet);
 
 /// Takes the first record, whose packet is a part of them, from the front of `bytes`, or nothing, and leaves
 /// them, when there is no whole one.

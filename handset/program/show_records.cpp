@@ -8,7 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "control.h"
 #include "error.h"
+#include "folder.h"
 #include "json_line.h"
 #include "packet_line.h"
 #include "show.h"
@@ -250,7 +252,14 @@ void check_since(const std::string& since) {
         since + "\"");
 }
 
+// A handset that runs may have records that are not in the file yet.
 std::string path_of(const std::string& folder) {
+    try {
+        if (running_handset(folder))
+            ask_control(folder, {"flush"});
+    } catch (const Error&) {
+        // It is on its way up or down; then the file has what there is.
+    }
     return folder + "/log/wire.raw";
 }
 
