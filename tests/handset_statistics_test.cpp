@@ -40,7 +40,8 @@ TEST(HandsetStatistics, AnswersWithPackedRecordsAndWhatTheProfileMakesOfThem) {
         {"id": 113, "ant_rx_0_new": 255, "ant_tx_1_new": "0xFE", "length": 17},
         {"id": 100, "ant_switch_path": 65535, "answer_sub": 3, "answer_id": 4294967295, "answer_length": 700},
         {"id": 500, "raw": "AA BB", "entries": 2},
-        {"id": 94, "entries": 0}]}})");
+        {"id": 94, "entries": 0},
+        {"id": 501, "raw": "01", "length": 2000, "entries": 20}]}})");
     Client client(handset.dir(), "qmi/65509");
     const std::string ok = "02 04 00 00 00 00 00 10 ";
     const std::string invalid = "02 04 00 01 00 30 00";
@@ -55,13 +56,19 @@ TEST(HandsetStatistics, AnswersWithPackedRecordsAndWhatTheProfileMakesOfThem) {
         {{1, {100}}, ok + "13 00 01 03 00 00 00 FF FF FF FF BC 02 01 05 FF FF 04 02 03 04"},
         {{0, {500, 94}},
          ok + "19 00 02 00 00 00 00 F4 01 00 00 02 00 AA BB 00 00 00 00 F4 01 00 00 02 00 AA BB"},
-        {{0, {501}}, ok + "01 00 00"},
+        {{0, {502}}, ok + "01 00 00"},
         {{0, {}}, ok + "01 00 00"},
         {{2, {82}}, invalid},
         {{0, std::vector<uint32_t>(11, 82)}, invalid},
     };
     for (const auto& row : rows)
         EXPECT_EQ(text_of(client.exchange(kValues, request(row.wanted))), row.answer);
+
+    // 100 entries of 2,010 bytes are more than a packet: the list ends where the packet does.
+    const auto most = client.exchange(kValues, request({0, {501, 501, 501, 501, 501}}));
+    ASSERT_TRUE(most);
+    EXPECT_EQ(most->size(), 7U + 3 + 1 + 32 * 2010);
+    EXPECT_EQ(wire::find_tlv(*most, 0x10)->data[0], 32);
 
     wire::Bytes long_list = request({0, {82}});
     long_list.back() = 1;

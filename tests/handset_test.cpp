@@ -124,6 +124,15 @@ public:
     }
 };
 
+bool refuses_folder(const std::string& folder) {
+    try {
+        const handset::Folder taken(folder);
+    } catch (const handset::Error& error) {
+        return std::string(error.what()).find("it belongs to another user") != std::string::npos;
+    }
+    return false;
+}
+
 std::string pattern(size_t size) {
     std::string content;
     for (size_t i = 0; i < size; ++i)
@@ -284,6 +293,27 @@ TEST_F(HandsetTest, AnswersPayloadsAndMalformedMessages) {
         EXPECT_FALSE(client.receive(kShortly)) << packet;
     }
     EXPECT_TRUE(client.request(0, {}));
+}
+
+TEST_F(HandsetTest, KeepsToWhatItBeganAndSaysWhatItDoesNotTake) {
+    const RunningHandset handset(place_);
+    ExtensionClient client(handset);
+    place_.write("h/efs/0/f", pattern(500));
+    EXPECT_EQ(client.file({4, "/f"}).data, pattern(414));
+    place_.write("h/efs/0/f", std::string(500, 'n'));
+    EXPECT_EQ(client.file({4, "/f", 0, 0, 414}).data, pattern(500).substr(414)) << "read anew";
+
+    for (const uint32_t count : {50U, 51U}) {
+        wire::Writer values;
+        values.u32(0).u32(0).u32(count).bytes(Bytes(size_t{4} * count, 1));
+        const auto answer = client.request(4, values.take());
+        ASSERT_TRUE(answer);
+        EXPECT_EQ(wire::Reader({answer->data() + 4, 4}).i32(), count == 50 ? 0 : -22);
+    }
+
+    client.send(Bytes(wire::kQmiPacketMax + 1));
+    EXPECT_TRUE(client.request(0, {}));
+    EXPECT_NE(stored("log/wire.log")->find(" -> malformed length=65543\n"), std::string::npos);
 }
 
 TEST_F(HandsetTest, TheWireLogTellsWhatPassed) {
@@ -477,8 +507,10 @@ TEST_F(HandsetTest, AFolderHasOneHandsetAndOutlivesIt) {
         EXPECT_TRUE(std::filesystem::exists(dir + "/qmi/65508"));
         EXPECT_FALSE(ExtensionClient(handset).connected());
     }
+    std::filesystem::rename(dir + "/qmi/65508", dir + "/qmi/3");
     {
         RunningHandset handset(place_);
+        EXPECT_FALSE(std::filesystem::exists(dir + "/qmi/3")) << "left by the dead handset";
         EXPECT_TRUE(ExtensionClient(handset).request(0, {}));
         EXPECT_EQ(handset.stop(SIGTERM), 0);
     }
@@ -491,6 +523,12 @@ TEST_F(HandsetTest, AFolderHasOneHandsetAndOutlivesIt) {
     EXPECT_THROW(handset::Folder(place_.at("no/parent")), handset::Error);
     place_.write("file", "");
     EXPECT_THROW(handset::Folder(place_.at("file")), handset::Error);
+    if (fork() == 0) {
+        _exit((geteuid() != 0 || seteuid(65534) == 0) && refuses_folder("/") ? 0 : 1);
+    }
+    int refused = 1;
+    wait(&refused);
+    EXPECT_EQ(refused, 0) << "took a folder of another user";
     std::filesystem::create_directory_symlink(fits, place_.at("link"));
     EXPECT_THROW(handset::Folder(place_.at("link")), handset::Error);
 }

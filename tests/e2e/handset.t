@@ -206,3 +206,11 @@ of its command is done. A fault that was never met is named when the handset sto
   $ vxk-handset event restart
   vxk-handset: no handset runs in /*/h*: No such file or directory (glob)
   [1]
+
+No room: the write is refused with the modem's word for it, the old file stands, and nothing is left beside it.
+
+  $ trap '' XFSZ; boot; trap - XFSZ
+  $ vxk 4 5 0 /a 1 2 3 > out; prlimit --pid "$handset" --fsize=100; vxk 4 5 0 /a $(seq 1 200) | grep error_code
+  note: Error happen! error_code(-28)
+  $ vxk 4 4 0 /a | tail -n 1; ls "$VXK_HANDSET_DIR/staging"
+  data:  01 02 03
