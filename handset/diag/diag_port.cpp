@@ -6,6 +6,7 @@
 #include "core.h"
 #include "describe.h"
 #include "diag_responder.h"
+#include "packet_line.h"
 #include "profile_section.h"
 
 namespace handset {

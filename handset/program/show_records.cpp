@@ -20,6 +20,7 @@ namespace handset {
 namespace {
 
 constexpr std::string_view kQmi = "qmi/";
+constexpr std::string_view kSerialDiag = "dm";
 
 std::optional<uint16_t> service_of(const std::string& where) {
     if (where.compare(0, kQmi.size(), kQmi) != 0)
@@ -129,6 +130,13 @@ private:
     std::vector<Process> processes_;
 };
 
+// A bare diag command or response, as the serial port has it.
+void write_command(wire::View packet, messages::Sink& sink) {
+    if (const char* code = messages::diag_code_name(packet))
+        sink.text("code", code);
+    sink.bytes("data", packet);
+}
+
 std::string text_line(const Told& told) {
     const WireRecord& record = told.record;
     std::string text;
@@ -154,6 +162,8 @@ std::string text_line(const Told& told) {
         write_packet(*told.diag, line);
     } else if (service_of(record.where)) {
         write_malformed_packet(record.packet, line);
+    } else if (record.where == kSerialDiag) {
+        write_command(record.packet, line);
     } else {
         line.text("line", {reinterpret_cast<const char*>(record.packet.data), record.packet.size});
     }
@@ -177,7 +187,9 @@ messages::LineHead head_of(const Told& told) {
     head.direction = record.direction == Direction::kToModem     ? "->"
                      : record.direction == Direction::kFromModem ? "<-"
                                                                  : "--";
-    if (record.where == "at" && record.event.empty())
+    if (record.where == kSerialDiag)
+        head.road = "diag";
+    if ((record.where == "at" || record.where == kSerialDiag) && record.event.empty())
         head.kind = record.direction == Direction::kToModem ? "request" : "response";
     if (!record.event.empty())
         head.message = record.event;
@@ -197,6 +209,8 @@ std::string json_line(const Told& told) {
         messages::describe(*told.diag, line);
     else if (record.event.empty() && record.where == "at")
         line.text("line", {reinterpret_cast<const char*>(record.packet.data), record.packet.size});
+    else if (record.event.empty() && record.where == kSerialDiag)
+        write_command(record.packet, line);
     else if (record.event.empty() && record.packet.size > 0)
         line.malformed();
     if (!record.command.empty())
