@@ -55,16 +55,16 @@ A reader that goes away does not keep the restart from being asked for, nor the 
 
   $ boot '{"modem": {"restart_ms": 0}}'
   $ set_property persist.radio.ssr_wait_s 0
-  $ command vxk 11 0 | true; echo ${PIPESTATUS[0]}; property $level; asked | cut -c 1-45
+  $ command vxk 11 0 | true; echo ${PIPESTATUS[0]}; property $level; asked | cut -d ' ' -f 1-5
   0
   ALL_DISABLE
-  id=4 data_len=512 form="tlv" code=31 value=[0
+  id=4 data_len=512 form="tlv" code=31 command="reset"
   $ restarted 1
-  $ command vxk 11 0 | head -n 1 | cut -c 1-10; property $level; asked | cut -c 1-45
+  $ command vxk 11 0 | head -n 1 | cut -c 1-10; property $level; asked | cut -d ' ' -f 1-5
   RIL[kelvra
   ALL_DISABLE
-  id=4 data_len=512 form="tlv" code=31 value=[0
-  id=4 data_len=512 form="tlv" code=31 value=[0
+  id=4 data_len=512 form="tlv" code=31 command="reset"
+  id=4 data_len=512 form="tlv" code=31 command="reset"
 
 With a wait, there is one before the request and one behind it.
 
