@@ -261,4 +261,4 @@ A handset that comes later is found, and what is printed meanwhile is not held b
   $ tail -1 "$CRAMTMP/late.out" | grep -o 'result = .*'
   result = 0, rsp.result[>=0 is instance id] = 0
   $ sed "s|$VXK_HANDSET_DIR|DIR|g" "$CRAMTMP/late.err"
-  vxk: waiting for QMI service 65508: no handset publishes it in DIR. Start one with: vxk-handset serve --dir DIR
+  vxk: waiting for QMI service 65508: (no handset publishes it in DIR\. Start one with: vxk-handset serve --dir DIR|nothing publishes it on the QRTR bus) (re)

@@ -1,4 +1,7 @@
 # Sourced by every transcript: a simulated handset for the rest of it, and output that compares.
+#
+# With VXK_TEST_BUS, the tool finds it on the modem bus instead of in its folder, and what an Android machine has beside
+# that in the folder which the variable names (android_services.py). The tool's properties stay in the handset's folder.
 
 # Boots a handset in a fresh folder. With an argument, that is the profile's JSON.
 boot() {
@@ -10,7 +13,11 @@ boot() {
         printf '%s\n' "$1" > "$VXK_HANDSET_DIR.json"
         profile=(--profile "$VXK_HANDSET_DIR.json")
     fi
-    coproc HANDSET { exec vxk-handset serve --dir "$VXK_HANDSET_DIR" "${profile[@]}" 2> "$VXK_HANDSET_DIR.err"; }
+    if [ -n "$VXK_TEST_BUS" ]; then
+        export VXK_MODEM=qrtr VXK_STATE_DIR=$VXK_HANDSET_DIR
+        ln -sfn "$VXK_HANDSET_DIR" "$VXK_TEST_BUS/handset"
+    fi
+    coproc HANDSET { exec vxk-handset serve --dir "$VXK_HANDSET_DIR" ${VXK_TEST_BUS:+--bus qrtr} "${profile[@]}" 2> "$VXK_HANDSET_DIR.err"; }
     handset=$HANDSET_PID
     read -r _ <&"${HANDSET[0]}" || { echo "no handset:"; cat "$VXK_HANDSET_DIR.err"; }
 }
@@ -41,6 +48,7 @@ masked_log() {
 vxk() {
     local status=0
     command vxk "$@" > "$CRAMTMP/out" || status=$?
+    [ -z "$VXK_TEST_BUS" ] || { echo > "$VXK_TEST_BUS/settle" && read -r _ < "$VXK_TEST_BUS/settled"; }
     masked_log < "$CRAMTMP/out"
     return $status
 }

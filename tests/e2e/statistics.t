@@ -174,7 +174,7 @@ after a second.
   $ grep -o 'KOLVO: vs_client_service_down_event: .*' "$VXK_HANDSET_DIR/log/system.log"
   KOLVO: vs_client_service_down_event: service down with error -2
   $ vxk 9 21 1
-  vxk: no QMI service 65509: no handset publishes it in .* (re)
+  vxk: no QMI service 65509: (no handset publishes it in|nothing publishes it on the QRTR bus).* (re)
   opt = 21, sub = 1, g_kolvo_client_id = 0
   Success to get data, number = 1, sub = 1, ret id_num = 1, id = 111, data_len = 9
   ASDIV DATA: rx_prx: -65.75, rx_drx: -68.50
@@ -208,7 +208,7 @@ The SAR index. The error of an answer is not looked at, and an index that is not
   SAR DSI: -1
   RIL[kelvra_get_sar_dsi:#]: qmi_client_send_msg_sync failed, qmi_client_error = -2
   SAR DSI: -1
-  vxk: no QMI service 17: no handset publishes it in .* (re)
+  vxk: no QMI service 17: (no handset publishes it in|nothing publishes it on the QRTR bus).* (re)
   RIL[kelvra_get_sar_dsi:#]: qmi_client_init_instance failed, qmi_client_error = -3
   SAR DSI: -1
   $ vxk-handset log | grep -F 'qmi/sar 4 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
