@@ -39,9 +39,9 @@ protected:
     /// The same of requests to the ISD-R on channel 1, in a block each, which all succeed.
     void play_es10(UimClient& client, const std::string& text) const {
         for (const auto& [request, answer] : rows(text)) {
-            const std::string size = text_of({static_cast<uint8_t>(hex(request).size())});
-            EXPECT_EQ(client.command(2, 1, "80 E2 91 00 " + size + " " + request), answer + " 90 00")
-                << request;
+            std::string command = "80 E2 91 00 ";
+            command.append(text_of({static_cast<uint8_t>(hex(request).size())})).append(" ").append(request);
+            EXPECT_EQ(client.command(2, 1, command), std::string(answer).append(" 90 00")) << request;
         }
     }
 
@@ -210,7 +210,7 @@ TEST_F(CardTest, RefusesRequestsThatDoNotReadAndChainsThoseThatAreLong) {
     std::string list;
     for (int i = 10; i < 30; ++i)
         list += (list.empty() ? "\"" : ", \"") + std::string("89001012345678901") + std::to_string(i) + "\"";
-    const RunningHandset handset(place_, ("{\"euicc\": {\"profiles\": [" + list + "]}}").c_str());
+    const RunningHandset handset(place_, "{\"euicc\": {\"profiles\": [" + list + "]}}");
     UimClient client(handset);
     client.expect(66, kOpenIsdR, kOk + "10 01 00 01 11 02 00 90 00");
     play(client, 2, 1, R"(
