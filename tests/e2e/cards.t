@@ -16,36 +16,16 @@ Card slots: status, type, and the hot-swap test.
   
   data len(12)
   data: 27 00 00 00 04 00 00 00 01 00 00 00
-  $ answer 5 2 1
-  
-  param(cnt: 1):
-   1
-  kelvra_cmn_cmd_send, t: 55, l: 4
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 37 00 00 00 04 00 00 00 01 00 00 00
-  $ answer 5 3 0 2 5
-  
-  param(cnt: 3):
-   0 1 1
-  kelvra_cmn_cmd_send, t: 57, l: 12
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 39 00 00 00 04 00 00 00 01 00 00 00
+  $ told() { answer "$@" | folded; }
+  $ told 5 2 1
+   | param(cnt: 1): |  1 | kelvra_cmn_cmd_send, t: 55, l: 4 | result = 0, rsp.result = 0 |  | data len(12) | data: 37 00 00 00 04 00 00 00 01 00 00 00
+  $ told 5 3 0 2 5
+   | param(cnt: 3): |  0 1 1 | kelvra_cmn_cmd_send, t: 57, l: 12 | result = 0, rsp.result = 0 |  | data len(12) | data: 39 00 00 00 04 00 00 00 01 00 00 00
   $ grep -o 'SUB.shell..kelvra_qmi_test_cmn.*' "$VXK_HANDSET_DIR/log/system.log"
   SUB[shell][kelvra_qmi_test_cmn:403] kelvra_cmn_card_status_get: kelvra_cmn_card_status_get
   SUB[shell][kelvra_qmi_test_cmn:409] kelvra_cmn_card_status_set: kelvra_cmn_card_status_set
-  $ answer 5 4
-  kelvra_cmn_card_type_query
-  param(cnt: 0):
-  
-  kelvra_cmn_cmd_send, t: 56, l: 0
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 38 00 00 00 04 00 00 00 02 00 00 00
+  $ told 5 4
+  kelvra_cmn_card_type_query | param(cnt: 0): |  | kelvra_cmn_cmd_send, t: 56, l: 0 | result = 0, rsp.result = 0 |  | data len(12) | data: 38 00 00 00 04 00 00 00 02 00 00 00
   $ asked
   id=4 data_len=512 form="tlv" code=39 command="card_status_query" value=[] data=[02 00 00 00 00 00 00 00 27 (+503 zero)]
   id=4 data_len=512 form="tlv" code=55 command="card_status_get" value=[01 00 00 00] data=[02 00 00 00 00 00 00 00 37 00 00 00 04 00 00 00 01 (+495 zero)]
@@ -54,82 +34,32 @@ Card slots: status, type, and the hot-swap test.
 
 The card of a slot is pulled and pushed by its detect line's level.
 
-  $ answer 5 3 0 1 0
-  
-  param(cnt: 3):
-   0 1 0
-  kelvra_cmn_cmd_send, t: 57, l: 12
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 39 00 00 00 04 00 00 00 00 00 00 00
-  $ answer 5 2 0
-  
-  param(cnt: 1):
-   0
-  kelvra_cmn_cmd_send, t: 55, l: 4
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 37 00 00 00 04 00 00 00 00 00 00 00
-  $ show cards
-  cards
-    slot 1  empty
-    slot 2  card
-  
+  $ told 5 3 0 1 0
+   | param(cnt: 3): |  0 1 0 | kelvra_cmn_cmd_send, t: 57, l: 12 | result = 0, rsp.result = 0 |  | data len(12) | data: 39 00 00 00 04 00 00 00 00 00 00 00
+  $ told 5 2 0
+   | param(cnt: 1): |  0 | kelvra_cmn_cmd_send, t: 55, l: 4 | result = 0, rsp.result = 0 |  | data len(12) | data: 37 00 00 00 04 00 00 00 00 00 00 00
+  $ show cards | folded
+  cards |   slot 1  empty |   slot 2  card | 
   $ answer 5 3 0 1 7 | tail -1
   data: 39 00 00 00 04 00 00 00 01 00 00 00
 
 The hot-swap test runs in the background, as often as asked.
 
-  $ answer 5 6 1 0 0 3
-  kelvra_cmn_card_hotswap_test
-  opt: 1
-  param(cnt: 4):
-   1 0 0 3
-  kelvra_cmn_cmd_send, t: 80, l: 16
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 50 00 00 00 04 00 00 00 01 00 00 00
+  $ told 5 6 1 0 0 3
+  kelvra_cmn_card_hotswap_test | opt: 1 | param(cnt: 4): |  1 0 0 3 | kelvra_cmn_cmd_send, t: 80, l: 16 | result = 0, rsp.result = 0 |  | data len(12) | data: 50 00 00 00 04 00 00 00 01 00 00 00
   $ eventually test_count 'card of slot 1 pushed' 4
-  $ grep -o 'modem - -- card .*' "$VXK_HANDSET_DIR/log/wire.log"
-  modem - -- card of slot 1 pulled
-  modem - -- card of slot 1 pushed
-  modem - -- card of slot 1 pulled
-  modem - -- card of slot 1 pushed
-  modem - -- card of slot 1 pulled
-  modem - -- card of slot 1 pushed
-  modem - -- card of slot 1 pulled
-  modem - -- card of slot 1 pushed
+  $ grep -o 'card of slot .*' "$VXK_HANDSET_DIR/log/wire.log" | cut -d ' ' -f 5 | xargs
+  pulled pushed pulled pushed pulled pushed pulled pushed
 
 Started with waits, it goes on behind the tool; stopped, it puts the card back.
 
-  $ answer 5 6 1 5 5 3
-  kelvra_cmn_card_hotswap_test
-  opt: 1
-  param(cnt: 4):
-   1 5 5 3
-  kelvra_cmn_cmd_send, t: 80, l: 16
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 50 00 00 00 04 00 00 00 01 00 00 00
+  $ told 5 6 1 5 5 3
+  kelvra_cmn_card_hotswap_test | opt: 1 | param(cnt: 4): |  1 5 5 3 | kelvra_cmn_cmd_send, t: 80, l: 16 | result = 0, rsp.result = 0 |  | data len(12) | data: 50 00 00 00 04 00 00 00 01 00 00 00
   $ eventually test_count "card of slot 1 pulled" 5
-  $ answer 5 6 0
-  kelvra_cmn_card_hotswap_test
-  opt: 0
-  kelvra_cmn_cmd_send, t: 80, l: 4
-  result = 0, rsp.result = 0
-  
-  data len(12)
-  data: 50 00 00 00 04 00 00 00 00 00 00 00
-  $ show cards
-  cards
-    slot 1     card
-    slot 2     card
-    hot-swaps  0 of 3
-  
+  $ told 5 6 0
+  kelvra_cmn_card_hotswap_test | opt: 0 | kelvra_cmn_cmd_send, t: 80, l: 4 | result = 0, rsp.result = 0 |  | data len(12) | data: 50 00 00 00 04 00 00 00 00 00 00 00
+  $ show cards | folded
+  cards |   slot 1     card |   slot 2     card |   hot-swaps  0 of 3 | 
   $ asked | grep 'code=80'
   id=4 data_len=512 form="tlv" code=80 command="hotswap" value=[01 00 00 00 00 00 00 00 00 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 03 (+483 zero)]
   id=4 data_len=512 form="tlv" code=80 command="hotswap" value=[01 00 00 00 05 00 00 00 05 00 00 00 03 00 00 00] data=[02 00 00 00 00 00 00 00 50 00 00 00 10 00 00 00 01 00 00 00 05 00 00 00 05 00 00 00 03 (+483 zero)]
@@ -138,57 +68,22 @@ Started with waits, it goes on behind the tool; stopped, it puts the card back.
 A handset with one slot, and one without; a modem that refuses is no error of the command.
 
   $ boot '{"cards": {"slots": [{"present": false}]}}'
-  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 2 0 | tail -1; answer 5 2 1
+  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 2 0 | tail -1; told 5 2 1
   data: 27 00 00 00 04 00 00 00 00 00 00 00
   data: 38 00 00 00 04 00 00 00 01 00 00 00
   data: 37 00 00 00 04 00 00 00 00 00 00 00
-  
-  param(cnt: 1):
-   1
-  kelvra_cmn_cmd_send, t: 55, l: 4
-  result = 0, rsp.result = -22
-  rsp.result fail
+   | param(cnt: 1): |  1 | kelvra_cmn_cmd_send, t: 55, l: 4 | result = 0, rsp.result = -22 | rsp.result fail
   $ boot '{"cards": {"slots": []}}'
-  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 6 1 1 1 1
+  $ answer 5 1 | tail -1; answer 5 4 | tail -1; told 5 6 1 1 1 1
   data: 27 00 00 00 04 00 00 00 00 00 00 00
   data: 38 00 00 00 04 00 00 00 00 00 00 00
-  kelvra_cmn_card_hotswap_test
-  opt: 1
-  param(cnt: 4):
-   1 1 1 1
-  kelvra_cmn_cmd_send, t: 80, l: 16
-  result = 0, rsp.result = -22
-  rsp.result fail
+  kelvra_cmn_card_hotswap_test | opt: 1 | param(cnt: 4): |  1 1 1 1 | kelvra_cmn_cmd_send, t: 80, l: 16 | result = 0, rsp.result = -22 | rsp.result fail
 
 Wrong numbers of inputs send nothing.
 
-  $ vxk 5 2 | helpless
-  RIL[kelvra_cmn_card_status_get:#]: kelvra_cmn_card_status_get
-  
-  
-  note: need 4 inputs, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
-  $ vxk 5 1 x | helpless
-  kelvra_cmn_card_status_query
-  
-  note: need 3 inputs, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
-  $ vxk 5 6 | helpless
-  kelvra_cmn_card_hotswap_test
-  
-  note: need 4 inputs at least, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
-  $ vxk 5 6 1 5 | helpless
-  kelvra_cmn_card_hotswap_test
-  opt: 1
-  
-  note: need 7 inputs, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
+  $ asked > /dev/null; for words in 2 "1 x" 6 "6 1 5"; do answer 5 $words | helpless | folded; done
+   |  | note: need 4 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
+  kelvra_cmn_card_status_query |  | note: need 3 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
+  kelvra_cmn_card_hotswap_test |  | note: need 4 inputs at least, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
+  kelvra_cmn_card_hotswap_test | opt: 1 |  | note: need 7 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
+  $ asked

@@ -43,62 +43,26 @@ The verdict: the feature runs, is switched off, or meets diag logs that it does 
   ================ SUCCES ===================
   
   $ boot '{"debug": {"version": 0, "main": {"g_modem_stats_feature_enable_status": 0, "g_unpk_version_not_support_num": 4}}}'
-  $ answer 7 1 0
-  Get the debug info of modem_stats, mask = 0x0
-  UNPK[size:1], version = 0
-  UNPK[size:1], modem_stats_feature_enable_status = 0
-  UNPK[size:8], version_not_support_num = 4
-  UNPK[size:8], modem_stats_cmd_ok_count = 1284
-  UNPK[size:8], modem_stats_cmd_fail_count = 3
-  ===========================================
+  $ answer 7 1 0 | tail -1
   ================ CLOSED ===================
   $ vxk-handset log | grep -o 'code=[0-9]*'
   code=20
   $ boot '{"debug": {"version": 3, "main": {"g_unpk_version_not_support_num": "0xFFFFFFFFFFFFFFFF"},
   >        "not_supported_logs": ["0xB0C0", "0x1A", 65535]}}'
-  $ answer 7 1 0
-  Get the debug info of modem_stats, mask = 0x0
-  UNPK[size:1], version = 3
-  UNPK[size:1], modem_stats_feature_enable_status = 1
-  UNPK[size:8], version_not_support_num = 18446744073709551615
-  UNPK[size:8], modem_stats_cmd_ok_count = 1284
-  UNPK[size:8], modem_stats_cmd_fail_count = 3
-  UNPK[size:2], log_num = 3
-  ===========================================
-  ================= FAIL ====================
-  ===========================================
-  Diag logs to be upgraded[num:3]:
-  log_id[0]: 0xB0C0
-  log_id[1]: 0x001A
-  log_id[2]: 0xFFFF
+  $ answer 7 1 0 | folded
+  Get the debug info of modem_stats, mask = 0x0 | UNPK[size:1], version = 3 | UNPK[size:1], modem_stats_feature_enable_status = 1 | UNPK[size:8], version_not_support_num = 18446744073709551615 | UNPK[size:8], modem_stats_cmd_ok_count = 1284 | UNPK[size:8], modem_stats_cmd_fail_count = 3 | UNPK[size:2], log_num = 3 | =========================================== | ================= FAIL ==================== | =========================================== | Diag logs to be upgraded[num:3]: | log_id[0]: 0xB0C0 | log_id[1]: 0x001A | log_id[2]: 0xFFFF
   $ vxk-handset log | grep -o 'code=[0-9]*'
   code=20
   code=27
   $ boot '{"debug": {"main": {"g_unpk_version_not_support_num": 1}}}'
-  $ answer 7 1 0
-  Get the debug info of modem_stats, mask = 0x0
-  UNPK[size:1], version = 4
-  UNPK[size:1], modem_stats_feature_enable_status = 1
-  UNPK[size:8], version_not_support_num = 1
-  UNPK[size:8], modem_stats_cmd_ok_count = 1284
-  UNPK[size:8], modem_stats_cmd_fail_count = 3
-  UNPK[size:2], log_num = 0
-  ===========================================
-  ================= FAIL ====================
-  ===========================================
-  Diag logs to be upgraded[num:0]:
+  $ answer 7 1 0 | tail -n +7 | folded
+  UNPK[size:2], log_num = 0 | =========================================== | ================= FAIL ==================== | =========================================== | Diag logs to be upgraded[num:0]:
 
 Of a list that is not as long as it says there are the logs that came.
 
   $ boot '{"debug": {"main": {"g_unpk_version_not_support_num": 1}, "log_num": 65535, "not_supported_logs": [1, 2]}}'
-  $ answer 7 1 0 | tail -n +7
-  UNPK[size:2], log_num = 65535
-  ===========================================
-  ================= FAIL ====================
-  ===========================================
-  Diag logs to be upgraded[num:65535]:
-  log_id[0]: 0x0001
-  log_id[1]: 0x0002
+  $ answer 7 1 0 | tail -n +7 | folded
+  UNPK[size:2], log_num = 65535 | =========================================== | ================= FAIL ==================== | =========================================== | Diag logs to be upgraded[num:65535]: | log_id[0]: 0x0001 | log_id[1]: 0x0002
   $ boot '{"debug": {"main": {"g_unpk_version_not_support_num": 1}, "log_num": 1, "not_supported_logs": [1, 2, 3]}}'
   $ answer 7 1 0 | tail -2
   Diag logs to be upgraded[num:1]:
@@ -146,40 +110,13 @@ counters of version 0 need.
 
   $ bytes() { printf "$1 %.0s" $(seq "$2"); }
   $ for raw in '' 04 "00 $(bytes 01 24)" "00 01 $(bytes 00 24)" "00 $(bytes 00 135)"; do
-  >   boot "{\"debug\": {\"raw\": \"$raw\"}}"; { answer 7 1 0; answer 7 1 1; } | grep -E "=|D|U.C"
+  >   boot "{\"debug\": {\"raw\": \"$raw\"}}"; { answer 7 1 0; answer 7 1 1; } | grep -oE "= -103,|[a-z_]* = [0-9]+$|CLOSED|SUCCES" | xargs
   > done
-  Get the debug info of modem_stats, mask = 0x0
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x1
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x0
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x1
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x0
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x1
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x0
-  UNPK[size:1], version = 0
-  UNPK[size:1], modem_stats_feature_enable_status = 1
-  UNPK[size:8], version_not_support_num = 0
-  UNPK[size:8], modem_stats_cmd_ok_count = 0
-  UNPK[size:8], modem_stats_cmd_fail_count = 0
-  ===========================================
-  ================ SUCCES ===================
-  Get the debug info of modem_stats, mask = 0x1
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  Get the debug info of modem_stats, mask = 0x0
-  UNPK[size:1], version = 0
-  UNPK[size:1], modem_stats_feature_enable_status = 0
-  UNPK[size:8], version_not_support_num = 0
-  UNPK[size:8], modem_stats_cmd_ok_count = 0
-  UNPK[size:8], modem_stats_cmd_fail_count = 0
-  ===========================================
-  ================ CLOSED ===================
-  Get the debug info of modem_stats, mask = 0x1
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
+  = -103, result = 0 = -103, result = 0
+  = -103, result = 0 = -103, result = 0
+  = -103, result = 0 = -103, result = 0
+  version = 0 modem_stats_feature_enable_status = 1 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 SUCCES = -103, result = 0
+  version = 0 modem_stats_feature_enable_status = 0 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 CLOSED = -103, result = 0
 
 Requests that fail: in the channel, in the modem, with an answer that is too short.
 
@@ -208,25 +145,8 @@ Requests that fail: in the channel, in the modem, with an answer that is too sho
 
 Command lines that are wrong.
 
-  $ vxk 7 0 | head -5
-  
-  note: Too few parameters, Pls refer to the following cmd:
-  kelvra_test_modem_stats_parsing_process FAIL
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  $ vxk 7 1 | head -5
-  
-  note: Too few parameters, Pls refer to the following cmd:
-  kelvra_test_modem_stats_get_debug_info FAIL
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  $ vxk 7 2 1 | head -4
-  invalid type = 2
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  7: kelvra modem stats test
-  $ vxk 7 | head -4
-  
-  note: Too few parameters, Pls refer to the following cmd:
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
+  $ for words in 0 1 "2 1" ""; do vxk 7 $words | helpless | folded; done
+   | note: Too few parameters, Pls refer to the following cmd: | kelvra_test_modem_stats_parsing_process FAIL | 
+   | note: Too few parameters, Pls refer to the following cmd: | kelvra_test_modem_stats_get_debug_info FAIL | 
+  invalid type = 2 | 
+   | note: Too few parameters, Pls refer to the following cmd: | 

@@ -7,10 +7,10 @@ What the tick counter prints depends on when the command ends, and it is not wai
   $ unchecked() { grep -vE 'function e|_check:|with_hex:'; }
   $ certain() { vxk "$@" | grep -v _wait_thread_proc; }
 
-The road's own messages and the outcome, without what the checks and callbacks say.
+The road's own messages and the outcome in one line, without what the checks and callbacks say.
 
   $ steps() {
-  >     vxk "$@" | sed '/error_code/q' | grep -E '^[^R]|_mode:' | grep -vE 'function e|^diag cmd|^0x|with result$|reply_len'
+  >     vxk "$@" | sed '/error_code/q; s/^RIL.*_mode:#]: //' | grep -vE 'RIL|function e|^$|^diag cmd|^0x|with result$|reply_len' | folded
   > }
 
 An op that is never answered is given up after 5 seconds; this one is waited for at the end.
@@ -205,37 +205,25 @@ Sizes of responses over the callback road, where every piece is a response.
   $ boot "{\"diag\": {\"responses\": [$sizes]}}"
   $ bytes() { answer "$@" | sed -nE 's/^rsp data: //p; /len|fail/p' | awk '/len|fail/ { print; next }
   >     { for (i = 1; i <= NF; i++) if ($i != sprintf("0x%02X", 1 + (i - 1) % 251)) { print "byte", i; exit } }'; }
-  $ for command in 0 5; do bytes 5 0 0 0 100 $command; done
-  kelvra_diag_cmd_send fail
-  kelvra_diag_cmd_send fail
-  $ for command in 1 2 3 4; do bytes 5 0 0 0 3000 $command; done
-  rsp data len(1)
-  rsp data len(4096)
-  rsp data len(8192)
-  rsp data len(10240)
+  $ for command in 0 5; do bytes 5 0 0 0 100 $command; done | xargs
+  kelvra_diag_cmd_send fail kelvra_diag_cmd_send fail
+  $ for command in 1 2 3 4; do bytes 5 0 0 0 3000 $command; done | xargs
+  rsp data len(1) rsp data len(4096) rsp data len(8192) rsp data len(10240)
 
 Over the DCI road full pieces are joined; a response that ends with one waits out the time.
 
-  $ for command in 0 2 3; do bytes 5 0 1 0 400 $command; done
-  kelvra_diag_cmd_send fail
-  rsp data len(4096)
-  rsp data len(8192)
-  $ for command in 1 4 5; do bytes 5 0 1 0 3000 $command; done
-  rsp data len(1)
-  rsp data len(10240)
-  rsp data len(10240)
+  $ for command in 0 2 3; do bytes 5 0 1 0 400 $command; done | xargs
+  kelvra_diag_cmd_send fail rsp data len(4096) rsp data len(8192)
+  $ for command in 1 4 5; do bytes 5 0 1 0 3000 $command; done | xargs
+  rsp data len(1) rsp data len(10240) rsp data len(10240)
   $ boot '{"diag": {"gap_ms": 50, "responses": [
   >     {"command": "00", "pieces": [4096, 100]}, {"command": "01", "pieces": [100, 4096]},
   >     {"command": "02", "pieces": [8192]}, {"command": "03", "pieces": [10241]},
   >     {"command": "04", "pieces": [4096, 0, 5]}, {"command": "05", "pieces": [4096, 16385]}]}}'
-  $ for command in 0 1 2 4; do bytes 5 0 1 0 3000 $command; done
-  rsp data len(4196)
-  rsp data len(100)
-  rsp data len(8192)
-  rsp data len(4101)
-  $ for command in 3 5; do bytes 5 0 1 0 300 $command; done
-  kelvra_diag_cmd_send fail
-  rsp data len(4096)
+  $ for command in 0 1 2 4; do bytes 5 0 1 0 3000 $command; done | xargs
+  rsp data len(4196) rsp data len(100) rsp data len(8192) rsp data len(4101)
+  $ for command in 3 5; do bytes 5 0 1 0 300 $command; done | xargs
+  kelvra_diag_cmd_send fail rsp data len(4096)
   $ vxk 5 0 1 0 3000 0 | grep -E 'response from|_code|req end'
   RIL[kelvra_diag_cmd_response_check:#]: ================ response from -1[Unknown], len = 4096 ========================
   RIL[kelvra_diag_cmd_response_by_dci:#]: response, cmd_code = 0x01, data_size = 4096
@@ -247,40 +235,23 @@ Too late, never, and before the send's own answer.
 
   $ boot '{"diag": {"responses": [{"command": "00", "delay_ms": 2000}, {"command": "01", "silent": true},
   >     {"before_answer": true, "size": 2}]}}'
-  $ for mode in 0 1; do for command in 0 1; do bytes 5 0 $mode 0 99 $command; done; bytes 5 0 $mode 0 3000 2; done
-  kelvra_diag_cmd_send fail
-  kelvra_diag_cmd_send fail
-  rsp data len(2)
-  kelvra_diag_cmd_send fail
-  kelvra_diag_cmd_send fail
-  rsp data len(2)
+  $ for mode in 0 1; do for command in 0 1; do bytes 5 0 $mode 0 99 $command; done; bytes 5 0 $mode 0 3000 2; done | xargs
+  kelvra_diag_cmd_send fail kelvra_diag_cmd_send fail rsp data len(2) kelvra_diag_cmd_send fail kelvra_diag_cmd_send fail rsp data len(2)
 
 Log and event streams, and an event of another kind, on the library's thread.
 
   $ boot '{"diag": {"delay_ms": 100, "streams": [{"event": "log", "bytes": "10 00"}, {"event": 99, "bytes": "01"},
   >     {"event": "event", "size": 3}, {"event": "event"}]}}'
-  $ vxk 5 0 1 0 3000 0x7B | grep -E '_stream|print_data'
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 7B
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_log_stream:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
+  $ vxk 5 0 1 0 3000 0x7B | grep -oE '_[a-z]*_stream:.*|.*data.*hex.*len.*' | grep -v ': 7B'
+  _log_stream:#]: function entry ------------->
   RIL[kelvra_print_data_with_hex:#]: data hex show, len(2), data: 10 00
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_log_stream:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_event_stream:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
+  _log_stream:#]: function exit <-------------
+  _event_stream:#]: function entry ------------->
   RIL[kelvra_print_data_with_hex:#]: data hex show, len(3), data: 01 02 03
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_event_stream:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_event_stream:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
+  _event_stream:#]: function exit <-------------
+  _event_stream:#]: function entry ------------->
   RIL[kelvra_print_data_with_hex:#]: print_data_with_hex, invalid data len(0)
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_response_by_dci_event_stream:#]: function exit <-------------
-  RIL[kelvra_print_data_with_hex:#]: function entry ------------->
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 7B
-  RIL[kelvra_print_data_with_hex:#]: function exit <-------------
+  _event_stream:#]: function exit <-------------
 
 A modem that is down, an event without its processor, and answers without their fields.
 
@@ -295,26 +266,9 @@ A modem that is down, an event without its processor, and answers without their 
   rsp data len(1)
   rsp data: 0x01
   $ for opened in 1 2 3; do steps 5 0 1 0 3000 0; done
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 1
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: MPSS on ch:0: DOWN
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Opening Data Stream, registering listeners for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Sending Asynchronous Command for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Dci Command time = 30
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  rsp data len(1)
-  rsp data: 0x01
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 2
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not get support list for ch 0, err: 0, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not register signal for DCI Data for ch:0, err: 1003, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 1 | DCI Status on Processors for ch0: | MPSS on ch:0: DOWN | Opening Data Stream, registering listeners for ch:0 | Sending Asynchronous Command for ch:0 | Dci Command time = 30 | Releasing DCI connection, err: 1001, errno: 0 | rsp data len(1) | rsp data: 0x01
+  Successfully registered with DCI for ch:0, client ID = 2 | DCI Status on Processors for ch0: | Could not get support list for ch 0, err: 0, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 0 | Could not register signal for DCI Data for ch:0, err: 1003, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
 
 Refused steps: each fault strikes one command after the other.
 
@@ -327,71 +281,22 @@ Refused steps: each fault strikes one command after the other.
   >     {"road": "diag", "message": "send", "action": "result", "result": 5},
   >     {"road": "diag", "message": "send", "action": "close"},
   >     {"road": "diag", "message": "open", "skip": 7, "action": "result", "result": 0}]}'
-  $ for step in register signal support streams send; do echo "-- $step"; steps 5 0 1 0 3000 0x7B; done
-  -- register
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not register with DCI, err: 1003, errno: 0 ch:0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  -- signal
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 1
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not register signal for DCI Data for ch:0, err: 1000, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  -- support
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 2
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not get support list for ch 0, err: 0, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  -- streams
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 3
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: MPSS on ch:0: UP
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Opening Data Stream, registering listeners for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Unable to register DCI stream for ch:0, err: 1003, errno: 0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  -- send
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 4
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: MPSS on ch:0: UP
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Opening Data Stream, registering listeners for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Sending Asynchronous Command for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Error sending SEND_REQUEST_ASYNC to peripheral -1 for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  $ for step in register signal support streams send; do steps 5 0 1 0 3000 0x7B; done
+  Could not register with DCI, err: 1003, errno: 0 ch:0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 1 | Could not register signal for DCI Data for ch:0, err: 1000, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 2 | DCI Status on Processors for ch0: | Could not get support list for ch 0, err: 0, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 3 | DCI Status on Processors for ch0: | MPSS on ch:0: UP | Opening Data Stream, registering listeners for ch:0 | Unable to register DCI stream for ch:0, err: 1003, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 4 | DCI Status on Processors for ch0: | MPSS on ch:0: UP | Opening Data Stream, registering listeners for ch:0 | Sending Asynchronous Command for ch:0 | Error sending SEND_REQUEST_ASYNC to peripheral -1 for ch:0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   $ steps 5 0 0 0 3000 0x7B
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = 5, will wait callback
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Fail to send diag cmd
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  ret_send = 5, will wait callback | Fail to send diag cmd | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   $ steps 5 0 0 0 3000 0x7B
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = -1, will wait callback
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Fail to send diag cmd
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  $ vxk 5 0 0 0 3000 0x7B | sed -n '/init_with_result/,/error_code/p'
+  ret_send = -1, will wait callback | Fail to send diag cmd | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  $ vxk 5 0 0 0 3000 0x7B | grep -A1 'init_with_result.*entry'
   RIL[kelvra_diag_init_with_result:#]: function entry ------------->
   RIL[kelvra_diag_init_with_result:#]: LSM init failed
-  RIL[kelvra_diag_init_with_result:#]: function exit <-------------
-  RIL[kelvra_diag_register_callback:#]: function entry ------------->
-  RIL[kelvra_print_diag_mask_name:#]: function entry ------------->
-  RIL[kelvra_print_diag_mask_name:#]: function exit <-------------
-  RIL[kelvra_diag_register_callback:#]: register call back, g_diag_channel = [0]MSM, data_primary = 0, remote_mask = [0]
-  RIL[kelvra_diag_register_callback:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = -1, will wait callback
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Fail to send diag cmd
+  --
   RIL[kelvra_diag_deinit_with_result:#]: function entry ------------->
   RIL[kelvra_diag_deinit_with_result:#]: function exit <-------------
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: function exit <-------------
-  kelvra_diag_cmd_send fail
-  RIL[kelvra_cmn_diag_cmd_send:#]: function exit <-------------
-  
-  note: Error happen! error_code(1)
   $ answer 5 0 0 0 3000 0x7B | tail -1
   rsp data: 0x7B
 
@@ -400,15 +305,10 @@ No diag service at all.
   $ halt
   $ steps 5 0 0 0 3000 0x7B
   vxk: no diag interface: no handset runs in .* (re)
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = -1, will wait callback
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Fail to send diag cmd
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  ret_send = -1, will wait callback | Fail to send diag cmd | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   $ steps 5 0 1 0 3000 0x7B
   vxk: no diag interface: no handset runs in .* (re)
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Could not register with DCI, err: 1003, errno: 0 ch:0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  Could not register with DCI, err: 1003, errno: 0 ch:0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
 
 A service that dies while the command waits.
 
@@ -418,19 +318,8 @@ A service that dies while the command waits.
   >     until vxk-handset log --dir "$VXK_HANDSET_DIR" | grep -qE ' <- (dci_)?send'; do sleep 0.02; done
   >     halt; wait $!; cat dying; boot '{"diag": {"responses": [{"silent": true}]}}'
   > done
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: ret_send = 0, will wait callback
-  RIL[kelvra_diag_cmd_send_with_result_by_callback_mode:#]: Command time = 4 * 100ms
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Successfully registered with DCI for ch:0, client ID = 1
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: DCI Status on Processors for ch0:
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: MPSS on ch:0: UP
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Opening Data Stream, registering listeners for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Sending Asynchronous Command for ch:0
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Dci Command time = 4
-  RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: Releasing DCI connection, err: 1001, errno: 0
-  kelvra_diag_cmd_send fail
-  note: Error happen! error_code(1)
+  ret_send = 0, will wait callback | Command time = 4 * 100ms | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  Successfully registered with DCI for ch:0, client ID = 1 | DCI Status on Processors for ch0: | MPSS on ch:0: UP | Opening Data Stream, registering listeners for ch:0 | Sending Asynchronous Command for ch:0 | Dci Command time = 4 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
 
 The op that was never answered.
 

@@ -120,16 +120,14 @@ Action 3 reads the EID.
 
 Action 4 asks for the cards' states.
 
-  $ vxk 5 10 4 1
+  $ vxk 5 10 4 1 | grep -v 'function e'
   RIL[kelvra_cmn_esim_test:#]: try get simcard status
-  RIL[kelvra_uim_get_card_status:#]: function entry ------------->
   RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
   RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status try init_uim_qmi_client CLIENT
   RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status uim_qmi_client CLIENT
   RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response
   RIL[kelvra_uim_get_card_status:#]: SIM[0] State = 1
   RIL[kelvra_uim_get_card_status:#]: SIM[1] State = 1
-  RIL[kelvra_uim_get_card_status:#]: function exit <-------------
   RIL[kelvra_cmn_esim_test:#]: card_status, [1, 1]
   RIL[map_sim_state:#]: map_sim_state ...
   
@@ -139,26 +137,20 @@ Action 4 asks for the cards' states.
 
 Action 5 resets the eUICC's memory, and is content when there is nothing to delete.
 
-  $ vxk 5 10 5 1
+  $ vxk 5 10 5 1 | grep -v 'function e'
   RIL[kelvra_cmn_esim_test:#]: Start eUICC Reset
-  RIL[kelvra_uim_open_channel:#]: function entry ------------->
   RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
   RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel try init_uim_qmi_client CLIENT
   RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel uim_qmi_client CLIENT
   RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel successfully
-  RIL[kelvra_uim_open_channel:#]: function exit <-------------
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1
-  RIL[kelvra_uim_send_apdu:#]: function entry ------------->
   RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu uim_qmi_client CLIENT
   RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu apdu_len = 13
   RIL[kelvra_uim_send_apdu:#]: kelvra_uim_send_apdu successfully
-  RIL[kelvra_uim_send_apdu:#]: function exit <-------------
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = 0
   RIL[kelvra_cmn_esim_test:#]: apdu=08bf34038001009000
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, delete profile successfully.
-  RIL[kelvra_uim_close_channel:#]: function entry ------------->
   RIL[kelvra_uim_close_channel:#]: kelvra_uim_close_channel uim_qmi_client CLIENT
-  RIL[kelvra_uim_close_channel:#]: function exit <-------------
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_close_channel res = 0
   value=SUCCEED
   $ requests
@@ -181,19 +173,13 @@ What is missing or no action.
   note: Error happen! error_code(-1)
   
   =========== blew: vexkit(vxk) cmd help =======================================================
-  $ vxk 5 10 | head -4
+  $ vxk 5 10 | sed -n 1p
   RIL[kelvra_cmn_esim_test:#]: invalid input
-  
-  
-  note: Error happen! error_code(-1)
   $ vxk 5 10 0 1
   RIL[kelvra_cmn_esim_test:#]: invalid input skip
   value=FAILED
-  $ for action in 0 6 -1 text; do quiet $action; done
-  value=FAILED
-  value=FAILED
-  value=FAILED
-  value=FAILED
+  $ for action in 0 6 -1 text; do quiet $action; done | uniq -c
+        4 value=FAILED
   $ requests
 
 EIDs: wrong check digits, letters that pass, letters that do not, zeros in front, all zero, 15 and 17 bytes, and
@@ -220,13 +206,8 @@ the first byte that is not 0 at the last place that counts and behind it.
   value=FAILED - ffffffffffffffffffffffffffffffff
   eID=ffffffffffffffffffffffffffffffff
   $ for eid in 00000000000000000000000000000001 00000000000000000000000000000000 890490320010010000000000000000 \
-  >     00000000000000010000000000000000 00000000000000000100000000000000; do
-  >   with_eid $eid; quiet 3; done
-  value=FAILED
-  value=FAILED
-  eID=89049032001001000000000000000000
-  eID=00000000000000010000000000000000
-  value=FAILED
+  >     00000000000000010000000000000000 00000000000000000100000000000000; do with_eid $eid; quiet 3; done > eids; xargs < eids
+  value=FAILED value=FAILED eID=89049032001001000000000000000000 eID=00000000000000010000000000000000 value=FAILED
   $ with_eid 8904903200100100000000000000002300
   $ vxk 5 10 3 1 | grep -E 'error|value'
   RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
@@ -244,15 +225,9 @@ A stored EID of another length is a stored EID; one that cannot be stored is tol
   $ stored=efs/1/nv/item_files/modem/uim/uimdrv/esim_eid
   $ boot; mkdir -p "$VXK_HANDSET_DIR/${stored%/*}"
   $ for size in 0 5 17 500; do
-  >   head -c $size /dev/zero > "$VXK_HANDSET_DIR/$stored"; vxk 5 10 1 1 | grep -oE 'EID already exists|^eID.*'; done
-  EID already exists
-  eID=89049032001001000000000000000023
-  EID already exists
-  eID=89049032001001000000000000000023
-  EID already exists
-  eID=89049032001001000000000000000023
-  EID already exists
-  eID=89049032001001000000000000000023
+  >   head -c $size /dev/zero > "$VXK_HANDSET_DIR/$stored"; vxk 5 10 1 1 | grep -oE 'EID already exists|^eID.*'; done | sort | uniq -c
+        4 EID already exists
+        4 eID=89049032001001000000000000000023
   $ boot '{"efs": {"read_only": ["/nv/item_files/modem/uim"]}}'
   $ vxk 5 10 1 1 | sed -n '/save_eid/,$p' | grep -v kelvra_efs
   RIL[save_eid_to_efs:#]: efs read failed and try save it. error_code : -2
@@ -268,9 +243,8 @@ A stored EID of another length is a stored EID; one that cannot be stored is tol
 Cards that are absent or broken; no third one is expected.
 
   $ with_cards() { boot "{\"euicc\": {\"wired\": false}, \"cards\": {\"slots\": [$1]}}"; }
-  $ with_cards '{"present": false}, {"error": 6}'; quiet 4
+  $ with_cards '{"present": false}, {"error": 6}'; quiet 4; with_cards ''; quiet 4
   ABSENT,ERROR
-  $ with_cards ''; quiet 4
   ABSENT,ABSENT
   $ with_cards '{}, {}, {}'
   $ command vxk 5 10 4 0 2>&1 | aborted; echo ${PIPESTATUS[0]}
@@ -295,18 +269,14 @@ than came.
   RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response
   RIL[kelvra_cmn_esim_test:#]: card_status, [3, 3]
   UNKNOWN,UNKNOWN
-  $ quiet 4; quiet 4; quiet 4
-  UNKNOWN,UNKNOWN
-  UNKNOWN,UNKNOWN
-  PRESENT,UNKNOWN
+  $ for run in 1 2 3; do quiet 4; done | xargs
+  UNKNOWN,UNKNOWN UNKNOWN,UNKNOWN PRESENT,UNKNOWN
   $ vxk 5 10 4 1 | grep -E 'error|card_status,|^[A-Z]+,'
   RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -1
   RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0]
   ABSENT,ABSENT
-  $ quiet 4; quiet 4; quiet 4
-  ABSENT,ABSENT
-  ABSENT,ABSENT
-  ABSENT,ABSENT
+  $ for run in 1 2 3; do quiet 4; done | xargs
+  ABSENT,ABSENT ABSENT,ABSENT ABSENT,ABSENT
   $ quiet 4
   PRESENT,ABSENT
 
@@ -315,26 +285,19 @@ Exchanges that the service refuses, with each run's verdict and the exchanges th
   $ fault() { boot "{\"faults\": [$1]}"; seen=0; }
   $ uim='{"service": "uim", "message"'; extension='{"service": "extension", "code"'
   $ refused='"action": "result", "result": 3, "acts": true}'; gone='"action": "close"}'
-  $ verdicts() { for run in $(seq $2); do quiet $1; requests > sent; cut -d ' ' -f 1,2 sent | xargs; done; }
+  $ verdicts() { for run in $(seq $2); do verdict=$(quiet $1); requests > sent; echo "$verdict:" $(cut -d ' ' -f 1,2 sent); done; }
   $ powerless="$uim: 48, $refused, $extension: 84, $refused, $uim: 49, $refused"
   $ fault "$powerless"; verdicts 1 1
-  eID=89049032001001000000000000000023
-  uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
+  eID=89049032001001000000000000000023: uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
   $ fault "$powerless"; verdicts 2 1
-  value=SUCCEED
-  uim 48 extension 2 uim 49
+  value=SUCCEED: uim 48 extension 2 uim 49
   $ fault "$uim: 101, $refused, $uim: 47, $refused"; verdicts 3 1; verdicts 4 1
-  eID=89049032001001000000000000000023
-  uim 101 uim 101
-  UNKNOWN,UNKNOWN
-  uim 47
+  eID=89049032001001000000000000000023: uim 101 uim 101
+  UNKNOWN,UNKNOWN: uim 47
   $ fault "$uim: 66, $refused, $uim: 59, $refused, $uim: 63, $refused"; verdicts 5 3
-  value=FAILED
-  uim 66
-  value=FAILED
-  uim 66 uim 59
-  value=SUCCEED
-  uim 66 uim 59 uim 63
+  value=FAILED: uim 66
+  value=FAILED: uim 66 uim 59
+  value=SUCCEED: uim 66 uim 59 uim 63
 
 The service goes away at each exchange of each action; each run comes one exchange further than the one before.
 
@@ -342,47 +305,29 @@ The service goes away at each exchange of each action; each run comes one exchan
   >   $uim: 48, $gone, $uim: 49, $gone, $uim: 101, $gone, $extension: 84, \"skip\": 2, $gone,
   >   $extension: 4, \"skip\": 1, $gone, $extension: 5, \"skip\": 1, $gone]}"; seen=0
   $ verdicts 1 6
-  value=FAILED
-  uim 48
-  value=FAILED
-  uim 48 extension 2 uim 49
-  eID=89049032001001000000000000000023
-  uim 48 extension 2 uim 49 uim 101 uim 101 extension 2 extension 2
-  eID=89049032001001000000000000000023
-  uim 48 extension 2 uim 49 uim 101
-  eID=89049032001001000000000000000023
-  uim 48 extension 2 uim 49 uim 101 extension 2
-  eID=89049032001001000000000000000023
-  uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
+  value=FAILED: uim 48
+  value=FAILED: uim 48 extension 2 uim 49
+  eID=89049032001001000000000000000023: uim 48 extension 2 uim 49 uim 101 uim 101 extension 2 extension 2
+  eID=89049032001001000000000000000023: uim 48 extension 2 uim 49 uim 101
+  eID=89049032001001000000000000000023: uim 48 extension 2 uim 49 uim 101 extension 2
+  eID=89049032001001000000000000000023: uim 48 extension 2 uim 49 uim 101 extension 2 extension 2
   $ fault "$uim: 48, $gone, $uim: 49, $gone, $extension: 84, \"skip\": 1, $gone"; verdicts 2 3
-  value=FAILED
-  uim 48
-  value=FAILED
-  uim 48 extension 2 uim 49
-  value=SUCCEED
-  uim 48 extension 2 uim 49
+  value=FAILED: uim 48
+  value=FAILED: uim 48 extension 2 uim 49
+  value=SUCCEED: uim 48 extension 2 uim 49
   $ fault "$uim: 101, $gone, $uim: 47, $gone"; verdicts 3 1; verdicts 4 1
-  eID=89049032001001000000000000000023
-  uim 101 uim 101
-  ABSENT,ABSENT
-  uim 47
+  eID=89049032001001000000000000000023: uim 101 uim 101
+  ABSENT,ABSENT: uim 47
   $ fault "$uim: 66, $gone, $uim: 59, $gone, $uim: 63, $gone"; verdicts 5 3
-  value=FAILED
-  uim 66
-  value=FAILED
-  uim 66 uim 59
-  value=SUCCEED
-  uim 66 uim 59 uim 63
+  value=FAILED: uim 66
+  value=FAILED: uim 66 uim 59
+  value=SUCCEED: uim 66 uim 59 uim 63
 
 The same at length.
 
   $ fault "$uim: 48, $gone, $uim: 101, $gone, $uim: 47, $gone, $uim: 66, $gone, $uim: 63, $gone"
-  $ vxk 5 10 2 1
+  $ vxk 5 10 2 1 | grep -vE 'function e|try init|uim_qmi_client CLIENT'
   RIL[kelvra_cmn_esim_test:#]: switch to SIM2
-  RIL[kelvra_uim_request_uicc_power_ex:#]: function entry ------------->
-  RIL[init_uim_qmi_client:380]: init_uim_qmi_client CLIENT
-  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex try init_uim_qmi_client CLIENT
-  RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex uim_qmi_client CLIENT
   RIL[kelvra_uim_request_uicc_power_ex:#]: kelvra_uim_request_uicc_power_ex power down sim
   RIL[error_cb:303]: QMI error callback -2
   RIL[error_cb:306]: SSR Detected, set SSR_Detected 1
@@ -390,8 +335,6 @@ The same at length.
   RIL[kelvra_uim_request_uicc_power_ex:#]: uicc_power_ex res = -2, failed_cnt = 1
   RIL[kelvra_uim_request_uicc_power_ex:#]: QMI error, try recovery
   RIL[uim_qmi_client_recovery:283]: uim_qmi_client_recovery qmi_client_release CLIENT
-  RIL[uim_qmi_client_recovery:293]: function exit <-------------
-  RIL[kelvra_uim_request_uicc_power_ex:#]: function exit <-------------
   RIL[kelvra_cmn_esim_test:#]: POWER_DOWN_UIM2 res = -2
   value=FAILED
   $ vxk 5 10 3 1 | grep -E 'loop|SSR_Detected|eID'
@@ -420,16 +363,10 @@ The modem restarts in the middle of a memory reset: the channel is lost, the pro
 A memory reset that is answered with something else leaves its channel open, and there are only three.
 
   $ answers 59 "10 0400 0200 6D00" "" "10 6600 6400 $(printf 'AB%.0s' {1..100})" "10 0900 0800 BF340380010090"
-  $ for run in 1 2 3; do vxk 5 10 5 1 | grep -E 'apdu=|check failed|value'; done
-  RIL[kelvra_cmn_esim_test:#]: apdu=026d00000000000000
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
-  value=FAILED
-  RIL[kelvra_cmn_esim_test:#]: apdu=000000000000000000
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
-  value=FAILED
-  RIL[kelvra_cmn_esim_test:#]: apdu=3fabababababababab
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, apdu rsp check failed.
-  value=FAILED
+  $ for run in 1 2 3; do vxk 5 10 5 1 | grep -oE 'apdu=.*|check failed.|value.*' | xargs; done
+  apdu=026d00000000000000 check failed. value=FAILED
+  apdu=000000000000000000 check failed. value=FAILED
+  apdu=3fabababababababab check failed. value=FAILED
   $ vxk-handset show | grep 'slot 2  eUICC'
     slot 2  eUICC, power on, logical channels open: 3
   $ quiet 5
@@ -460,11 +397,8 @@ A channel that the service refuses and yet numbers is none.
 Any number but 0 as debug_on lets the log be printed, and what is no number is 0.
 
   $ boot
-  $ for debug in 0 text 2 -1; do command vxk 5 10 4 $debug | grep -c .; done
-  1
-  1
-  12
-  12
+  $ for debug in 0 text 2 -1; do command vxk 5 10 4 $debug | grep -c .; done | xargs
+  1 1 12 12
 
 The handset tells what passed, and what it has become.
 
@@ -485,16 +419,8 @@ The handset tells what passed, and what it has become.
   <- response get_eid(101) #1 result=0 eid=[89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23]
   $ quiet 2
   value=SUCCEED
-  $ show euicc; show uim
-  euicc
-    slot 2 wired  no
-    profiles      none
-    eid           89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23
-  
-  uim
-    slot 1  card slot, power on, logical channels open: 0
-    slot 2  card slot, power on, logical channels open: 0
-  
+  $ { show euicc; show uim; } | folded
+  euicc |   slot 2 wired  no |   profiles      none |   eid           89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23 |  | uim |   slot 1  card slot, power on, logical channels open: 0 |   slot 2  card slot, power on, logical channels open: 0 | 
 
 Indications: 97 is decoded, others are only logged.
 

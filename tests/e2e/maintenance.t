@@ -42,14 +42,8 @@ it and succeeds.
   $ asked
   id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
-  $ show modem; show maintenance
-  modem
-    state     up
-    restarts  1
-  
-  maintenance
-    nv syncs  1
-  
+  $ { show modem; show maintenance; } | folded
+  modem |   state     up |   restarts  1 |  | maintenance |   nv syncs  1 | 
 
 A reader that goes away does not keep the restart from being asked for, nor the level from being put back.
 
@@ -141,11 +135,8 @@ change. The handset reboots each time.
   $ cat "$VXK_HANDSET_DIR"/dump/*
   full dump 1 after 0 restarts since the handset was started
   full dump 2 after 1 restarts since the handset was started
-  $ show maintenance
-  maintenance
-    full dumps  2
-    reboots     2
-  
+  $ show maintenance | folded
+  maintenance |   full dumps  2 |   reboots     2 | 
 
 A count that cannot go on is fatal. So it is into a pipe that nobody reads any more.
 
@@ -163,34 +154,24 @@ At any other level the modem restarts alone. A request of no known kind, or cut 
   >     vxk 6 4 2 0 0 0 0 0 0 0 31 0 0 0 $kind > /dev/null
   > done
   $ restarted 1
-  $ show modem; show maintenance; ls "$VXK_HANDSET_DIR/dump" 2>/dev/null
-  modem
-    state     up
-    restarts  1
-  
+  $ { show modem; show maintenance; } | folded; ls "$VXK_HANDSET_DIR/dump" 2>/dev/null
+  modem |   state     up |   restarts  1 | 
   [2]
 
 Print switches: on, off, and off once more, which finds no file.
 
   $ boot '{"modem": {"restart_ms": 0}, "efs": {"read_only": ["/nv/item_files/modem/kelvra/rf_print_mask"]}}'
   $ set_property $level ALL_ENABLE
-  $ answer 11 4 1
-  bp_kolvo_print, opt = 1
-  
-  
-  success, pls wait 10 seconds 
+  $ answer 11 4 1 | folded
+  bp_kolvo_print, opt = 1 |  |  | success, pls wait 10 seconds 
   $ restarted 1; efs 0/kolvo/kolvo_print_mask
    1f 00 00 00
-  $ answer 11 4 0
-  bp_kolvo_print, opt = 0
-  
-  
-  success, pls wait 10 seconds 
+  $ answer 11 4 0 | folded
+  bp_kolvo_print, opt = 0 |  |  | success, pls wait 10 seconds 
   $ restarted 2; efs 0/kolvo/kolvo_print_mask
   (no file)
-  $ answer 11 4 0
-  bp_kolvo_print, opt = 0
-  kelvra_efs_delete failed
+  $ answer 11 4 0 | folded
+  bp_kolvo_print, opt = 0 | kelvra_efs_delete failed
   $ asked
   id=2 data_len=512 command="efs_write" sub=0 path="/kolvo/kolvo_print_mask" total=4 offset=0 chunk=4 data=[05 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 1F (+423 zero)]
   id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
@@ -199,71 +180,40 @@ Print switches: on, off, and off once more, which finds no file.
   id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
   id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
-  $ answer 11 5 1
-  bp_qmi_print, opt = 1
-  
-  
-  success, pls wait 10 seconds 
+  $ answer 11 5 1 | folded
+  bp_qmi_print, opt = 1 |  |  | success, pls wait 10 seconds 
   $ restarted 3; efs 0/nv/item_files/modem/kelvra/qmi_print_flag
    01
-  $ answer 11 6 1
-  bp_rf_print, opt = 1
-  kelvra_efs_write failed
-  $ vxk 11 3 1; property persist.vendor.radio.print_stats
-  ap_kolvo_print, opt = 1
-  success, need to reboot
+  $ answer 11 6 1 | folded
+  bp_rf_print, opt = 1 | kelvra_efs_write failed
+  $ vxk 11 3 1 | folded; property persist.vendor.radio.print_stats
+  ap_kolvo_print, opt = 1 | success, need to reboot
   1
-  $ vxk 11 3 0; property persist.vendor.radio.print_stats
-  ap_kolvo_print, opt = 0
-  success, need to reboot
+  $ vxk 11 3 0 | folded; property persist.vendor.radio.print_stats
+  ap_kolvo_print, opt = 0 | success, need to reboot
   2
-  $ show maintenance
-  maintenance
-    nv syncs  3
-  
+  $ show maintenance | folded
+  maintenance |   nv syncs  3 | 
 
 Antenna configurations: the modem keeps them in two files.
 
   $ boot
-  $ answer 3 1 | helpless
-  kelvra_gpio_test_get
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-2)
-  
-  $ answer 3 0 5 -1 0x7
-  kelvra_gpio_test_set
-  kelvra_gpio_test_set, gpio_v[0]: 5
-  kelvra_gpio_test_set, gpio_v[1]: -1
-  kelvra_gpio_test_set, gpio_v[2]: 0
-  $ answer 3 1
-  kelvra_gpio_test_get
-  
-  data len(16)
-  data:  03 00 00 00 05 00 00 00 FF FF FF FF 00 00 00 00
-  $ answer 3 3 1 4 0x80
-  kelvra_rf_tx_test_set, argc(6)
-   v_ant(1)
-   v_sys(4)
-   v_band_list(128)
-  $ answer 3 3 0 4 0x80000000000
-  kelvra_rf_tx_test_set, argc(6)
-   v_ant(0)
-   v_sys(4)
-   v_band_list(8796093022208)
-  $ answer 3 4
-  kelvra_rf_tx_test_get
-  
-  data len(16)
-  data:  00 00 00 00 04 00 00 00 00 00 00 00 00 08 00 00
-  $ answer 3 2; answer 3 5; answer 3 5 | helpless
+  $ answer 3 1 | helpless | folded
+  kelvra_gpio_test_get | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-2) | 
+  $ answer 3 0 5 -1 0x7 | folded
+  kelvra_gpio_test_set | kelvra_gpio_test_set, gpio_v[0]: 5 | kelvra_gpio_test_set, gpio_v[1]: -1 | kelvra_gpio_test_set, gpio_v[2]: 0
+  $ answer 3 1 | folded
+  kelvra_gpio_test_get |  | data len(16) | data:  03 00 00 00 05 00 00 00 FF FF FF FF 00 00 00 00
+  $ answer 3 3 1 4 0x80 | folded
+  kelvra_rf_tx_test_set, argc(6) |  v_ant(1) |  v_sys(4) |  v_band_list(128)
+  $ answer 3 3 0 4 0x80000000000 | folded
+  kelvra_rf_tx_test_set, argc(6) |  v_ant(0) |  v_sys(4) |  v_band_list(8796093022208)
+  $ answer 3 4 | folded
+  kelvra_rf_tx_test_get |  | data len(16) | data:  00 00 00 00 04 00 00 00 00 00 00 00 00 08 00 00
+  $ answer 3 2; answer 3 5; answer 3 5 | helpless | folded
   kelvra_gpio_test_closed
   kelvra_rf_tx_test_closed
-  kelvra_rf_tx_test_closed
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-2)
-  
+  kelvra_rf_tx_test_closed | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-2) | 
   $ asked
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=4 data_len=512 form="gpio" code=0 command="gpio" data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
@@ -274,32 +224,19 @@ Antenna configurations: the modem keeps them in two files.
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" data=[06 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
-  $ answer 3 0; answer 3 1
+  $ answer 3 0; answer 3 1 | folded
   kelvra_gpio_test_set
-  kelvra_gpio_test_get
-  
-  data len(4)
-  data:  00 00 00 00
+  kelvra_gpio_test_get |  | data len(4) | data:  00 00 00 00
   $ answer 3 0 $(seq 101 160) | tail -1; answer 3 1 | cut -c 1-30
   kelvra_gpio_test_set, gpio_v[49]: 150
   kelvra_gpio_test_get
   
   data len(204)
   data:  32 00 00 00 65 00 00 00
-  $ vxk 3 1 extra | helpless
-  kelvra_gpio_test_get
-  
-  note: Cmd error, should be: vxk 3 1 , Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
-  $ vxk 3 3 1 4 | helpless
-  kelvra_rf_tx_test_set, argc(5)
-  
-  note: need 5 inputs, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
+  $ vxk 3 1 extra | helpless | folded
+  kelvra_gpio_test_get |  | note: Cmd error, should be: vxk 3 1 , Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
+  $ vxk 3 3 1 4 | helpless | folded
+  kelvra_rf_tx_test_set, argc(5) |  | note: need 5 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
   $ vxk 6 4 0 0 0 0 0 0 0 0 51 > /dev/null; vxk 6 4 1 0 0 0 0 0 0 0 1 > /dev/null
   $ grep -c 'EA FF FF FF' "$VXK_HANDSET_DIR/log/wire.log"
   2

@@ -18,41 +18,23 @@ A file is written, read back and deleted.
   kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
-  $ vxk 4 4 0 /nv/item_files/demo
+  $ vxk 4 4 0 /nv/item_files/demo | grep -v '^K\|^k\|^Q'
   RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 19
   RIL[kelvra_efs_read:#]: path_value: /nv/item_files/demo
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:23
-  kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
   RIL[kelvra_efs_read:#]: result = 0, rsp.result = 0
   RIL[kelvra_efs_read:#]: data_len_all = 3, data_len_send = 0, data_len_recv = 0, read_count = 0, data_len_cur = 3
   
   data len(3)
   data:  01 02 FF
-  $ vxk-handset show --dir "$VXK_HANDSET_DIR" | grep -A1 '^efs, subscription 0'
-  efs, subscription 0
-    /nv/item_files/demo  3 bytes
   $ vxk 4 6 0 /nv/item_files/demo | grep delete
   RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 19
   RIL[kelvra_efs_delete:#]: path_value: /nv/item_files/demo
   RIL[kelvra_efs_delete:#]: result = 0, rsp.result = 0
-  $ answer 4 4 0 /nv/item_files/demo
+  $ answer 4 4 0 /nv/item_files/demo | helpless
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
   
   note: Error happen! error_code(-2)
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  4: nvefs option cmd: 
-     vxk 4 1 sub nv_id             /* nv read */
-     vxk 4 2 sub nv_id nv_data     /* nv write */
-     vxk 4 3 sub nv_id             /* nv delete */
-     vxk 4 4 sub efs_path          /* efs read */
-     vxk 4 5 sub efs_path efs_data /* efs write */
-     vxk 4 6 sub efs_path          /* efs delete */
-  =========== above: vexkit(vxk) cmd help =======================================================
   
 
 Any subscription but 0 is 1. A byte is decimal, and its low 8 bits count.
@@ -90,26 +72,15 @@ A path has 1 to 71 characters, of any kind.
   $ path71=/$(printf '%070d' 1)
   $ answer 4 5 0 $path71 5; efs 0$path71
    05
-  $ vxk 4 4 0 ${path71}2 | head -6
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 72
-  RIL[kelvra_efs_read:#]: len invalid
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-106)
-  
-  $ vxk 4 4 0 "" | head -2
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 0
-  RIL[kelvra_efs_read:#]: len invalid
-  $ vxk 4 4 0 $(printf '/%099999d' 1) | head -2
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 100000
-  RIL[kelvra_efs_read:#]: len invalid
+  $ for path in ${path71}2 "" $(printf '/%099999d' 1); do vxk 4 4 0 "$path" | grep -oE 'path_len.*|len inv.*|error_code.*' | xargs; done
+  path_len: 72 len invalid error_code(-106)
+  path_len: 0 len invalid error_code(-106)
+  path_len: 100000 len invalid error_code(-106)
   $ vxk 4 5 0 /%s%n%d 9 | head -2; efs 0/%s%n%d
   RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 7, buf_len: 1
   RIL[kelvra_efs_write:#]: path_value: /%s%n%d
    09
-  $ answer 4 4 0 /../../../etc/passwd | head -3
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
+  $ answer 4 4 0 /../../../etc/passwd | grep error
   note: Error happen! error_code(-13)
 
 NV items.
@@ -130,33 +101,18 @@ NV items.
   $ vxk 4 3 1 10 | grep nv_delete
   RIL[kelvra_nv_delete:#]: kelvra_nv_delete, sub_id 1, nv_id: 10
   RIL[kelvra_nv_delete:#]: result = 0, rsp.result = 0
-  $ answer 4 1 1 10 | head -3
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
+  $ answer 4 1 1 10 | grep error
   note: Error happen! error_code(-2)
   $ answer 4 2 5 7232 9; answer 4 1 -3 7232
   
   data len(1)
   data:  09
-  $ vxk 4 1 0 7232 | grep -A1 'qmi response fail'
-  RIL[kelvra_nv_read:#]: qmi response fail
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  $ vxk 4 1 0 7233 | head -6
-  RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 0, nv_id: 7233
-  RIL[kelvra_nv_read:#]: buf_len: 365
-  RIL[kelvra_nv_read:#]: nv_id is out range(7232)
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-109)
-  $ vxk 4 2 0 65537 1 | head -4
-  RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 0, nv_id: 65537
-  RIL[kelvra_nv_write_ex:#]: buf_len: 1
-  RIL[kelvra_nv_write_ex:#]: nv_id is out range(7232)
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  $ vxk 4 3 0 -1 | head -3
-  RIL[kelvra_nv_delete:#]: kelvra_nv_delete, sub_id 0, nv_id: -1
-  RIL[kelvra_nv_delete:#]: nv_id is out range(7232)
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
+  $ for words in "1 0 7232" "1 0 7233" "2 0 65537 1" "3 0 -1"; do
+  >   vxk 4 $words | grep -oE '[a-z_]*: (buf_len.*|nv_id.*|qmi resp.*)|error_code.*' | xargs; done
+  : buf_len: 365 : qmi response fail error_code(-2)
+  : buf_len: 365 : nv_id is out range(7232) error_code(-109)
+  : buf_len: 1 : nv_id is out range(7232) error_code(-109)
+  : nv_id is out range(7232) error_code(-109)
   $ answer 4 2 0 100 $(seq 400); answer 4 1 0 100 | cut -c 1-30
   
   data len(365)
@@ -184,32 +140,16 @@ What the modem and the channel can do to an exchange.
   >   $faults: \"payload\", \"bytes\": \"\"},
   >   $faults: \"tlvs\", \"bytes\": \"01 0400 00000000 02 0400 58020000 10 0300 010203\"},
   >   $faults: \"close\"}]}"
-  $ answer 4 5 0 /x 1 | head -3
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
+  $ answer 4 5 0 /x 1 | grep error
   note: Error happen! error_code(-13)
   $ answer 4 5 0 /x 1
-  $ answer 4 6 0 /x | head -3
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
+  $ answer 4 6 0 /x | grep error
   note: Error happen! error_code(5)
-  $ for fault in result empty lie close; do answer 4 1 0 1 | sed 4q; done
-  9 QMI service framework error. Check client
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-103)
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-103)
-  
-  send msg sync failed:-1
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-103)
-  send msg sync failed:-2
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-103)
+  $ for fault in result empty lie close; do answer 4 1 0 1 | sed 4q | folded; done
+  9 QMI service framework error. Check client | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-103)
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-103) | 
+  send msg sync failed:-1 | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-103)
+  send msg sync failed:-2 | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-103)
 
 The system log has a copy of each debug log unless a property forbids.
 

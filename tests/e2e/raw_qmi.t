@@ -27,22 +27,9 @@ One byte, and bytes whose low 8 bits count.
 
 Refused command lines.
 
-  $ vxk 6 1
-  
+  $ for words in 1 "6 1" "-1 1" "65536 1" "4294967296 1"; do vxk 6 $words | helpless | sed -n 2p; done
   note: Too few parameters, Pls refer to the following cmd:
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  6: kelvra qmi send_data
-     vxk 6 qmi_id qmi_data         /* qmi_id: Any binary data you will send */
-                                      qmi_data: Any binary data you will send 
-  =========== above: vexkit(vxk) cmd help =======================================================
-  
-  $ vxk 6 6 1 | head -4
-  
   note: the second parameters(qmi_id) should be >= 0 && < 6
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  $ for id in -1 65536 4294967296; do vxk 6 $id 1 | sed -n 2p; done
   note: the second parameters(qmi_id) should be >= 0 && < 6
   note: the second parameters(qmi_id) should be >= 0 && < 6
   0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
@@ -69,19 +56,10 @@ Numbers that are fatal, with what was printed before them.
 A failed exchange.
 
   $ boot '{"faults": [{"service": "extension", "request": 4, "action": "result", "result": 3}]}'
-  $ vxk 6 4 1
+  $ answer 6 4 1 | helpless
   kv_qmi req data(qmi_id: 4, len: 1[max: 500]):
   0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
   3 QMI service framework error. Check client
-  kelvra_extend_qmi_handle_req_cb result:-3
   qmi_id = 4, result = -3
   kelvra_extend_qmi_send_sync fail
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  6: kelvra qmi send_data
-     vxk 6 qmi_id qmi_data         /* qmi_id: Any binary data you will send */
-                                      qmi_data: Any binary data you will send 
-  =========== above: vexkit(vxk) cmd help =======================================================
   

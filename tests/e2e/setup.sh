@@ -59,6 +59,9 @@ answer() {
     vxk "$@" | grep -avE "^(RIL\[|$channel)" || true
 }
 
+# Lines as one.
+folded() { paste -sd '|' | sed 's/|/ | /g'; }
+
 # Output with an abort in it, without what user-mode emulation says of that.
 aborted() { grep -av '^qemu: uncaught target signal'; }
 
