@@ -15,6 +15,9 @@ thread_local const Connection* t_own_connection = nullptr;
 // A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
 constexpr size_t kEventsMax = 256;
 
+// How often an idle connection writes what is noted for the trace, in milliseconds.
+constexpr int kTraceDelay = 2;
+
 void watch(int epoll, int operation, int fd, uint32_t events) {
     epoll_event event{};
     event.events = events;
@@ -25,13 +28,15 @@ void watch(int epoll, int operation, int fd, uint32_t events) {
 }  // namespace
 
 Connection::Connection(std::unique_ptr<Channel> channel, const Protocol& protocol,
-                       std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end)
+                       std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end,
+                       std::unique_ptr<trace::Connection> trace)
     : channel_(std::move(channel)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       epoll_(epoll_create1(EPOLL_CLOEXEC)),
       protocol_(protocol),
       on_event_(std::move(on_event)),
       on_end_(std::move(on_end)),
+      trace_(std::move(trace)),
       buffer_size_(protocol.packet_max + 1),
       buffer_(new uint8_t[buffer_size_]) {
     watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
@@ -66,9 +71,12 @@ void Connection::close() {
         is_closed_ = true;
         channel_->shut();
         wake();
+        if (trace_)
+            trace_->closed();
     }
     if (is_started_)
         pthread_join(thread_, nullptr);
+    flush_trace();
 }
 
 bool Connection::has_ended() {
@@ -92,13 +100,24 @@ Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Clock:
     if (!reader_)
         start_reading(request);
     lock.unlock();
+    if (trace_)
+        trace_->sent(packet);
     Outcome outcome = send(packet, deadline);
+    if (trace_)
+        trace_->flush_in_passing();
     lock.lock();
     if (outcome == Outcome::kAnswered)
         wait_for_answer(request, deadline, lock);
     open_.erase(std::find(open_.begin(), open_.end(), &request));
     if (reader_ == &request)
         stop_reading();
+    if (trace_) {
+        if (!request.is_answered)
+            trace_->gave_up(packet);
+        lock.unlock();
+        trace_->flush_in_passing();
+        lock.lock();
+    }
     if (outcome != Outcome::kAnswered)
         return outcome;
     answer = std::move(request.answer);
@@ -189,6 +208,8 @@ void Connection::take(ssize_t size) {
 
 /// Puts a packet into the hands of whom it is for. The lock is held.
 void Connection::hand_out(wire::View packet) {
+    if (trace_)
+        trace_->received(packet);
     const auto key = protocol_.answer_key(packet);
     if (!key) {
         events_.push_back(packet.copy());
@@ -207,6 +228,8 @@ void Connection::hand_out(wire::View packet) {
 
 void Connection::end() {
     has_ended_ = true;
+    if (trace_)
+        trace_->closed();
     ++ends_due_;
     wake();
 }
@@ -216,6 +239,11 @@ void Connection::wake() {
     changed_.notify_all();
     if (!is_own_thread())
         eventfd_write(wake_.get(), 1);
+}
+
+void Connection::flush_trace() {
+    if (trace_)
+        trace_->flush();
 }
 
 // The connection's thread.
@@ -236,11 +264,13 @@ void Connection::run() {
             events_.pop_front();
             changed_.notify_all();
             lock.unlock();
+            flush_trace();
             on_event_(event);
             lock.lock();
         } else if (ends_done_ != ends_due_) {
             const unsigned serving = ends_due_;
             lock.unlock();
+            flush_trace();
             on_end_();
             lock.lock();
             ends_done_ = serving;
@@ -256,10 +286,13 @@ void Connection::run() {
 void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
     epoll_event happened{};
-    epoll_wait(epoll_.get(), &happened, 1, -1);
+    const int count = epoll_wait(epoll_.get(), &happened, 1, trace_ ? kTraceDelay : -1);
+    flush_trace();
     eventfd_t wakes = 0;
     eventfd_read(wake_.get(), &wakes);
     lock.lock();
+    if (count == 0)
+        return;
     if (!reader_)
         return take(receive(Clock::now()));
     // The channel ended, or was readable just before a caller took it over: the caller reads on.

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "road.h"
+#include "trace.h"
 #include "unique_fd.h"
 #include "wire.h"
 
@@ -36,9 +37,11 @@ public:
     enum class Outcome { kAnswered, kEnded, kTimedOut, kRefused };
 
     /// `on_event` gets every packet that is no answer, in the order of arrival; `on_end` runs when the peer
-    /// is gone and all events are delivered. Both on the connection's thread.
+    /// is gone and all events are delivered. Both on the connection's thread. `trace`: null when
+    /// the packets are not to be traced.
     Connection(std::unique_ptr<Channel> channel, const Protocol& protocol,
-               std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end);
+               std::function<void(wire::Bytes&)> on_event, std::function<void()> on_end,
+               std::unique_ptr<trace::Connection> trace);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -86,6 +89,7 @@ private:
     void hand_out(wire::View packet);
     void end();
     void wake();
+    void flush_trace();
 
     const std::unique_ptr<Channel> channel_;
     const host::UniqueFd wake_;   // an eventfd
@@ -93,6 +97,7 @@ private:
     const Protocol protocol_;
     const std::function<void(wire::Bytes&)> on_event_;
     const std::function<void()> on_end_;
+    const std::unique_ptr<trace::Connection> trace_;
     pthread_t thread_{};
     bool is_started_ = false;
 

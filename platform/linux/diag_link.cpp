@@ -36,7 +36,9 @@ constexpr Protocol kFolderProtocol{"diag", wire::kDiagPacketMax, answered_op};
 class FolderLink : public DiagLink {
 public:
     FolderLink(std::unique_ptr<Channel> channel, OnEvent on_event)
-        : connection_(std::move(channel), kFolderProtocol, std::move(on_event), [] {}) {}
+        : connection_(
+              std::move(channel), kFolderProtocol, std::move(on_event), [] {}, trace::Connection::to_diag()) {
+    }
 
     bool open() {
         const auto reply = connection_.start() ? ask(wire::kDiagOpen, {}) : nullptr;
@@ -85,24 +87,49 @@ std::optional<uint32_t> no_answer(wire::View) {
 
 constexpr Protocol kRouterProtocol{"diag", wire::kDiagPacketMax, no_answer};
 
-/// The router's packets are commands and responses alone: the ops are answered here.
+/// The router's packets are commands and responses alone: the ops are answered here, and traced as a handset
+/// would see them.
 class RouterLink : public DiagLink {
 public:
     RouterLink(std::unique_ptr<Channel> channel, OnEvent on_event)
         : connection_(
               std::move(channel), kRouterProtocol,
-              [on_event = std::move(on_event)](wire::Bytes& packet) {
+              [this, on_event = std::move(on_event)](wire::Bytes& packet) {
                   constexpr uint8_t kLocalProcessor = 0;
                   packet.insert(packet.begin(), {wire::kDiagEventResponse, kLocalProcessor});
+                  if (trace_) {
+                      trace_->received(packet);
+                      trace_->flush();
+                  }
                   on_event(packet);
               },
-              [] {}) {}
+              [this] { end_trace(); }, nullptr) {}
 
-    bool start() { return connection_.start(); }
+    bool open() { return connection_.start() && ask(wire::kDiagOpen, {})->result() == kOpenResult; }
 
     std::unique_ptr<DiagReply> ask(uint8_t op, const wire::Writer& payload) override {
+        if (trace_)
+            trace_->sent(wire::Writer().u8(op).bytes(payload.data()).data());
+        auto answer = wire::Writer().u8(op | wire::kDiagAnswer).i32(carry_out(op, payload)).take();
+        if (trace_) {
+            trace_->received(answer);
+            trace_->flush();
+        }
+        return std::make_unique<DiagReply>(std::move(answer));
+    }
+    bool has_ended() override { return connection_.has_ended(); }
+    void close() override {
+        connection_.close();
+        end_trace();
+    }
+
+private:
+    int carry_out(uint8_t op, const wire::Writer& payload) {
         int result = 0;
         switch (op) {
+            case wire::kDiagOpen:
+                result = kOpenResult;
+                break;
             case wire::kDiagSend:
                 result = send(payload.data());
                 break;
@@ -122,12 +149,16 @@ public:
             default:
                 break;
         }
-        return std::make_unique<DiagReply>(wire::Writer().u8(op | wire::kDiagAnswer).i32(result).take());
+        return result;
     }
-    bool has_ended() override { return connection_.has_ended(); }
-    void close() override { connection_.close(); }
 
-private:
+    void end_trace() {
+        if (!trace_)
+            return;
+        trace_->closed();
+        trace_->flush();
+    }
+
     int send(wire::View payload) {
         wire::Reader reader(payload);
         reader.i32();  // the processor
@@ -136,7 +167,8 @@ private:
         return is_sent ? kSent : kSendFailed;
     }
 
-    Connection connection_;
+    const std::unique_ptr<trace::Connection> trace_ = trace::Connection::to_diag();
+    Connection connection_;  // last: its thread uses the other
 };
 
 class RouterDiag : public DiagRoad {
@@ -152,7 +184,7 @@ public:
             return nullptr;
         }
         const auto link = std::make_shared<RouterLink>(std::move(channel), std::move(on_event));
-        return link->start() ? link : nullptr;
+        return link->open() ? link : nullptr;
     }
 };
 

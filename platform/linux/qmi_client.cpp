@@ -44,7 +44,8 @@ public:
           ind_cb_data_(ind_cb_data),
           connection_(
               std::move(channel), kQmiProtocol, [this](wire::Bytes& packet) { indicate(packet); },
-              [this] { report_loss(); }) {}
+              [this] { report_loss(); },
+              trace::Connection::to_service(static_cast<uint16_t>(service->service_id))) {}
 
     qmi_idl_service_object_type service() const { return service_; }
     Connection& connection() { return connection_; }

@@ -27,14 +27,17 @@ void append_text(std::string& out, std::string_view text) {
 
 void append_bytes(std::string& out, wire::View bytes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
-    out += '"';
-    for (size_t i = 0; i < bytes.size; ++i) {
-        if (i > 0)
-            out += ' ';
-        out += kDigits[bytes.data[i] >> 4];
-        out += kDigits[bytes.data[i] & 15];
+    const size_t start = out.size();
+    out.resize(start + 2 + 3 * bytes.size, ' ');
+    char* to = &out[start];
+    *to++ = '"';
+    for (size_t i = 0; i < bytes.size; ++i, to += 3) {
+        to[0] = kDigits[bytes.data[i] >> 4];
+        to[1] = kDigits[bytes.data[i] & 15];
     }
-    out += '"';
+    if (bytes.size > 0)
+        out.pop_back();
+    out.back() = '"';
 }
 
 template <typename T>

@@ -1,19 +1,5 @@
 // One line of what passed between the modem and the world, as JSON: the form of `vxk-handset log --json` and
-// of a trace, version 1. Its keys, in this order:
-//
-//   v            1
-//   time         RFC 3339 with microseconds and zone
-//   road         "qmi", "diag", "at", "modem"
-//   service      the service's name, service_id its number; null when there is none
-//   connection   its number at its socket, null for none; pid the process behind it, null when it is unknown
-//   direction    "->" to the modem, "<-" from it, "--" something happened
-//   kind         "request", "response", "indication", "event"
-//   message      the message's name, message_id its number; null when there is none
-//   transaction  null when there is none
-//   fields       object
-//   bytes        the whole packet in hexadecimal, "01 02 FF"
-//   latency_us   in an answer: since its request; else null
-//   fault        what a fault of the profile did, else null
+// of a trace, version 1. docs/protocol.md tells its keys.
 #pragma once
 
 #include <ctime>

@@ -1,0 +1,46 @@
+// VXK_TRACE=FILE: what this process exchanges with the modem, at the end of FILE, in the JSON lines of
+// json_line.h. A line is one write, so that several processes can share a file.
+//
+// A packet is only noted when it passes, because its line costs as much as a quick exchange. Lines are made
+// and written on a thread that has nothing else to do, and by who waits for the modem as far as that takes a
+// small part of the time: so what a lone exchange told is in the file when its answer is read.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "wire.h"
+
+namespace trace {
+
+/// One connection. It is in the trace from its first packet on. Any thread.
+class Connection {
+public:
+    /// Of a QMI service, or of the diag interface. Null when nothing is traced: then nothing is looked at but
+    /// the environment, once. A file that cannot be written is one line on standard error.
+    static std::unique_ptr<Connection> to_service(uint16_t service);
+    static std::unique_ptr<Connection> to_diag();
+
+    virtual ~Connection() = default;
+
+    /// Notes a whole packet, as it travels on a handset's socket.
+    virtual void sent(wire::View packet) = 0;
+    virtual void received(wire::View packet) = 0;
+
+    /// Notes that a request will have no answer; one that does come is noted all the same.
+    virtual void gave_up(wire::View request) = 0;
+
+    /// Notes the end, and before it the requests that it leaves without an answer. Only the first call
+    /// counts.
+    virtual void closed() = 0;
+
+    /// Writes the lines of all that is noted, of every connection.
+    virtual void flush() = 0;
+
+    /// Writes what may be written while somebody waits.
+    virtual void flush_in_passing() = 0;
+};
+
+}  // namespace trace
