@@ -1,8 +1,7 @@
-// The handset's statistics and debug answers as bytes, and what their part of a profile refuses.
+// The handset's statistics answers as bytes.
 #include "handset_fixture.h"
 
 #include "hex_text.h"
-#include "profile.h"
 
 namespace handset_test {
 namespace {
@@ -76,70 +75,6 @@ TEST(HandsetStatistics, AnswersWithPackedRecordsAndWhatTheProfileMakesOfThem) {
     EXPECT_EQ(text_of(client.exchange(kFeature, {})), "02 04 00 01 00 01 00");
     EXPECT_EQ(text_of(client.exchange(kFeature, {0x01, 4, 0, 2, 0, 0, 0})), "02 04 00 00 00 00 00");
     EXPECT_EQ(text_of(client.exchange(4, {})), "02 04 00 01 00 47 00");
-}
-
-TEST(HandsetStatistics, PutsEveryLteFieldInItsPlace) {
-    const TestFolder place;
-    std::string fields;
-    wire::Writer expected;
-    expected.u8(0xF1).u8(0xF2).u32(0xF3F4F5F6).u16(0xF7F8).u8(0xF9).u16(0xFAFB);
-    uint32_t half = 0x3F000000;  // 0.5, then each twice the one before
-    double value = 0.5;
-    for (const char* rx : {"rx0", "rx1", "rx2", "rx3"}) {
-        for (const char* quantity : {"rsrp_", "rsrq_", "rssi_", "snr_"}) {
-            fields += std::string(", \"") + quantity + rx + "\": " + std::to_string(value);
-            expected.u32(half);
-            value *= 2;
-            half += 0x00800000;
-        }
-    }
-    const RunningHandset handset(place, R"({"statistics": {"values": [{"id": 108, "sub": 1, "version": "0xF1",
-        "version_ssmr": "0xF2", "earfcn": "0xF3F4F5F6", "pci": "0xF7F8", "is_srv_cell": "0xF9",
-        "rx_valid": "0xFAFB")" + fields + "}]}}");
-    Client client(handset.dir(), "qmi/65509");
-    const auto answer = client.exchange(kValues, request({1, {108}}));
-    ASSERT_TRUE(answer);
-    ASSERT_EQ(expected.size(), 75U);
-    EXPECT_EQ(text_of(wire::Bytes(answer->end() - 75, answer->end())), text_of(expected.data()));
-}
-
-TEST(HandsetStatistics, RefusesAProfileWithItsPlace) {
-    const struct {
-        const char* section;
-        const char* line;
-    } rows[] = {
-        {R"("statistics": {"values": [{"sub": 0}]})", "/statistics/values/0: the key \"id\" is missing"},
-        {R"("statistics": {"values": [{"id": 82, "sub": 2}]})",
-         "/statistics/values/0/sub: expected a whole number from 0 to 1, found 2"},
-        {R"("statistics": {"values": [{"id": 9}]})",
-         "/statistics/values/0/id: no record is known by this data id, only by 82, 103, 104, 105, 106, 107, "
-         "108, 94, 112, 113, 135, 6, 7, 110, 111, 100; \"raw\" gives the bytes"},
-        {R"("statistics": {"values": [{"id": 94, "rssi0": -1, "raw": "01"}]})",
-         "/statistics/values/0/raw: the record's fields are given already"},
-        {R"("statistics": {"values": [{"id": 94, "earfcn": 1}]})",
-         "/statistics/values/0/earfcn: unknown key; known here: \"answer_id\", \"answer_length\", "
-         "\"answer_sub\", \"entries\", \"id\", \"length\", \"raw\", \"rssi0\", \"rssi1\", \"rssi2\", "
-         "\"rssi3\", \"version\""},
-        {R"("statistics": {"values": [{"id": 82, "pci": 65536}]})",
-         "/statistics/values/0/pci: expected a whole number from 0 to 65535, found 65536"},
-        {R"("statistics": {"values": [{"id": 94, "rssi0": "low"}]})",
-         "/statistics/values/0/rssi0: expected one of \"nan\", \"inf\", \"-inf\", found \"low\""},
-        {R"("statistics": {"indications": [{}]})",
-         "/statistics/indications/0: the key \"message\" is missing"},
-        {R"("statistics": {"indications": [{"message": "state", "value": 1}]})",
-         "/statistics/indications/0/value: unknown key; known here: \"message\", \"on\", \"state\""},
-        {R"("debug": {"uim": {"init_state": 256}})",
-         "/debug/uim/init_state: expected a whole number from 0 to 255, found 256"},
-        {R"("sar": {"dsi": -1})", "/sar/dsi: expected a whole number from 0 to 4294967295, found -1"},
-    };
-    for (const auto& row : rows) {
-        try {
-            handset::parse_profile(std::string("{") + row.section + "}", "p");
-            ADD_FAILURE() << "accepted: " << row.section;
-        } catch (const handset::ProfileError& error) {
-            EXPECT_EQ(error.what(), std::string("p: ") + row.line);
-        }
-    }
 }
 
 }  // namespace
