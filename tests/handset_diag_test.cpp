@@ -40,8 +40,9 @@ void converse(const RunningHandset& handset, std::string text) {
         for (size_t at = 0; (at = text.find(name, at)) != std::string::npos;)
             text.replace(at, name.size(), exchange);
     }
+    text = std::regex_replace(text, std::regex("\\s+"), " ");
     const Client client(handset.dir(), "diag");
-    const std::regex pattern("([<>]) ([^<>]*[^<> \n])");
+    const std::regex pattern("([<>]) ([^<>]*[^<> ])");
     for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it) {
         const std::string step = (*it)[2];
         SCOPED_TRACE(it->str() + " in " + text);
