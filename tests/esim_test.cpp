@@ -1,6 +1,4 @@
 // The eSIM state command where no handset leads it: what it waits for, and what it does once a process.
-#include <unistd.h>
-
 #include "extend_double.h"
 #include "group5_esim.h"
 #include "kelvra_extend_uim.h"
@@ -51,17 +49,6 @@ TEST_F(Esim, StoredEidIsLookedForOncePerRun) {
         printed_by([&] { EXPECT_EQ(save_eid_to_efs(eid.data()), c.result); });
         EXPECT_EQ(platform().requests.size(), c.requests);
     }
-}
-
-TEST_F(Esim, ThirdCardIsFatal) {
-    platform().send = [](const QmiRequest&, void* answer) {
-        auto& response = *static_cast<uim_get_card_status_resp_msg_v01*>(answer);
-        response.extended_card_status_valid = 1;
-        response.extended_card_status.card_count = 3;
-        return 0;
-    };
-    EXPECT_EXIT((dup2(2, 1), run("4")), testing::KilledBySignal(SIGABRT),
-                "SIM\\[1\\] State = 0\nvxk: fatal: card 2 ");
 }
 
 }  // namespace

@@ -182,6 +182,13 @@ TEST_F(ExtendTest, Indications) {
 
 class CommonTest : public ExtendTest {};
 
+TEST_F(CommonTest, ResultMap) {
+    for (const int result : {0, -1, -2, -3, -4, 5})
+        printed_by([=] {
+            EXPECT_EQ(kelvra_qmi_result_map(result), result < 0 && result > -4 ? result - 100 : result);
+        });
+}
+
 TEST_F(CommonTest, BothFormsAreFullBlocks) {
     const std::vector<uint8_t> value(496, 7);
     CommonResponse rsp;
@@ -197,32 +204,6 @@ TEST_F(CommonTest, BothFormsAreFullBlocks) {
     EXPECT_EQ(payload_of(platform().requests[1]),
               block(512, {{0, {2}}, {8, {84}}, {12, {0xF0, 1}}, {16, value}}));
     EXPECT_EQ(payload_of(platform().requests[2]), block(512, {{0, {2}}, {8, {35}}}));
-}
-
-TEST_F(CommonTest, WholeResponses) {
-    const struct {
-        size_t arrives;
-        int result;
-        int length;
-        uint32_t needed;
-        bool whole;
-    } cases[] = {{7, 0, 0, 0, false},   {8, 5, 0, 0, true},     {15, 0, 0, 0, false},   {16, 0, 0, 0, true},
-                 {20, 0, 4, 4, true},   {20, 0, 4, 5, false},   {20, 0, 5, 0, false},   {20, 0, 3, 4, false},
-                 {20, 0, -1, 0, false}, {508, 0, 492, 0, true}, {508, 0, 493, 0, false}};
-    for (const auto& c : cases) {
-        std::vector<uint8_t> bytes(508, 0xAB);
-        put_le(&bytes[4], c.result);
-        put_le(&bytes[12], c.length);
-        bytes.resize(c.arrives);
-        platform().send = [&](const QmiRequest&, void* response) {
-            answer_extend(response, bytes);
-            return 0;
-        };
-        CommonResponse rsp;
-        printed_by([&] { kelvra_common_qmi_req(20, &rsp); });
-        EXPECT_EQ(rsp.is_whole(c.needed), c.whole) << c.arrives << " " << c.length;
-        EXPECT_EQ(rsp.result(), c.arrives < 8 ? 0 : c.result);
-    }
 }
 
 TEST_F(CommonTest, RefusalsAndFailures) {
@@ -252,20 +233,6 @@ TEST_F(CommonTest, RefusalsAndFailures) {
         EXPECT_EQ(without_sites(printed), c.logged);
     }
     EXPECT_EQ(platform().requests.size(), 1U);
-}
-
-TEST_F(CommonTest, ResultMap) {
-    const struct {
-        int result;
-        int mapped;
-    } cases[] = {{0, 0}, {-1, -101}, {-2, -102}, {-3, -103}, {-4, -4}, {5, 5}};
-    for (const auto& c : cases) {
-        int mapped = 1;
-        EXPECT_EQ(without_sites(printed_by([&] { mapped = kelvra_qmi_result_map(c.result); })),
-                  "kelvra_qmi_result_map, old_result " + std::to_string(c.result) + ", new_result " +
-                      std::to_string(c.mapped) + "\n");
-        EXPECT_EQ(mapped, c.mapped);
-    }
 }
 
 }  // namespace

@@ -190,30 +190,4 @@ TEST_F(Uim, EveryRequestFailsAlike) {
     }
 }
 
-TEST_F(Uim, EidIsTakenAsItArrives) {
-    const struct {
-        uint32_t result;
-        uint8_t valid;
-        uint32_t length;
-        bool taken;
-    } cases[] = {{0, 1, 16, true}, {0, 255, 1, true}, {0, 1, 0, true}, {1, 1, 16, false}, {0, 0, 16, false}};
-    for (const auto& c : cases) {
-        platform().send = [&](const QmiRequest&, void* answer) {
-            auto& response = *static_cast<uim_get_eid_resp_msg_v01*>(answer);
-            response.resp.result = c.result;
-            response.eid_valid = c.valid;
-            response.eid_len = c.length;
-            memset(response.eid, 0x89, c.length);
-            return 0;
-        };
-        uint8_t eid[kEidLen];
-        memset(eid, 0xEE, sizeof eid);
-        printed_by([&] { kelvra_uim_request_eid(&kSlot, eid); });
-        std::string expected(kEidLen, c.taken ? '\0' : '\xEE');
-        if (c.taken)
-            expected.replace(0, c.length, c.length, '\x89');
-        EXPECT_EQ(std::string(reinterpret_cast<char*>(eid), kEidLen), expected) << c.length;
-    }
-}
-
 }  // namespace

@@ -1,6 +1,7 @@
-// The unpack engine's checks and trace, and the record parser on records packed here, bit by bit.
+// The unpack engine's checks, and the record parser on records packed here, bit by bit.
 #include <array>
 
+#include "group7_debug_info.h"
 #include "group7_record.h"
 #include "group7_stats.h"
 #include "group7_unpack.h"
@@ -113,41 +114,6 @@ TEST_F(Unpack, FieldsOfTheSpan) {
     }
 }
 
-TEST_F(Unpack, TraceOfOneField) {
-    buffer = {};
-    put_bits(&buffer, 0, 32, 66051);
-    put_bits(&buffer, 32 + 11, 16, 0x01CC);
-    put_bits(&buffer, 32 + 11 + 16, 4, 5);
-    unpk_start(buffer.data());
-    g_unpk_print = 1;
-    EXPECT_EQ(
-        printed_by([] {
-            EXPECT_TRUE(unpk_i("version", 4));
-            base_with_bit(32);
-            EXPECT_TRUE(unpk_at("mcc", 11, 16, 2));
-        }),
-        "    UNPK_I, name: version, val: 66051(0x030201), val_size: 4, unpk_cnt: 4, data_base: 0, base_bit: "
-        "0\n"
-        "BASE_WITH_BIT, g_unpk_data_base_bit(32), g_unpk_data_base(4), g_unpk_data_cnt(0), bit(32), id(0x0)\n"
-        "UNPK_SET_BIT, g_unpk_data_base_bit(32), g_unpk_data_base(4), g_unpk_data_cnt(1), bit(11), id(0x0)\n"
-        "PRINT_CNT, base_bit: 32, base_byte: 4, data_cnt: 1, low: 4, high: 19, param: 11, name: mcc\n"
-        "    UNPK_I, name: mcc_tmp1, val: 2625120(0x600E28), val_size: 8, unpk_cnt: 9, data_base: 4, "
-        "base_bit: 32\n"
-        "    UNPK_I, name: mcc_tmp2, val: 0(0x00), val_size: 8, unpk_cnt: 17, data_base: 4, base_bit: 32\n"
-        "UNPK_HIGH, old_val: 328140, new_val: 460, bit_num: 125, name: mcc, id(0x0)\n"
-        "UNPK_LOW, old_val: 328140, new_val: 460, bit_num: 16, mask_max(0xffff), old_size(2), name: mcc, "
-        "id(0x0)\n"
-        "UNPK_MID, old_val: 328140, new_val: 460, low: 4, high: 19, name: mcc, id(0x0)\n"
-        "    UNPK_AT, name: mcc, val: 460(0xCC01), low: 4, high: 19, bit_start: 11, bit_num: 16\n");
-    EXPECT_EQ(
-        printed_by([] {
-            EXPECT_TRUE(unpk_mid({0x123, 0}, 1, 8, "x", 1));
-        }),
-        "UNPK_HIGH, old_val: 291, new_val: 291, bit_num: 64, name: x, id(0x0)\n"
-        "UNPK_LOW, old_val: 291, new_val: 35, bit_num: 8, mask_max(0xff), old_size(1), name: x, id(0x0)\n"
-        "UNPK_MID, old_val: 291, new_val: 35, low: 1, high: 8, name: x, id(0x0)\n");
-}
-
 struct Place {
     size_t bit;
     size_t width;
@@ -211,6 +177,15 @@ TEST_F(Unpack, UnknownVersionsAreCounted) {
                       "), not_support_num(" + std::to_string(++count) +
                       "), name(modem_stats_parse_xxxx_diag_xxxx), id(0x0)\n");
     }
+}
+
+TEST_F(Unpack, NullBlocks) {
+    EXPECT_EQ(printed_by([] {
+                  EXPECT_EQ(kelvra_modem_stats_main_info_unpk(nullptr, 4), 0);
+                  EXPECT_EQ(kelvra_modem_stats_uim_info_unpk(nullptr, 4), 0);
+                  kelvra_modem_stats_support_status_check(nullptr);
+              }),
+              "ptr is null\nptr is null\nkelvra_modem_stats_support_status_check, ptr is null\n");
 }
 
 TEST_F(Unpack, RecordsThatCannotBeRead) {

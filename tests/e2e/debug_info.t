@@ -68,30 +68,20 @@ Of a list that is not as long as it says there are the logs that came.
   Diag logs to be upgraded[num:1]:
   log_id[0]: 0x0001
 
-All counters, for every version of the payload. Versions above 4 have what version 4 has.
+All counters of version 4, a block a line; what earlier ones lack, with the place where each block ends. Later ones have no more.
 
-  $ for version in 0 1 2 3 4 255; do boot "{\"debug\": {\"version\": $version}}"; answer 7 1 1 | grep -o 'cnt(.*)' | xargs; done
-  cnt(26) cnt(69) cnt(127) cnt(137)
-  cnt(26) cnt(93) cnt(151) cnt(161)
-  cnt(50) cnt(137) cnt(195) cnt(205)
-  cnt(50) cnt(145) cnt(203) cnt(213)
-  cnt(58) cnt(153) cnt(211) cnt(221)
-  cnt(58) cnt(153) cnt(211) cnt(221)
-  $ answer 7 1 1 | sed -n '1,14p'
-  Get the debug info of modem_stats, mask = 0x1
-  UNPK[size:1], version = 255
-  -------- stats main info start --------
-  UNPK[size:1], g_modem_stats_feature_enable_status = 1
-  UNPK[size:8], g_unpk_version_not_support_num = 0
-  UNPK[size:8], g_modem_stats_cmd_ok_count = 1284
-  UNPK[size:8], g_modem_stats_cmd_fail_count = 3
-  UNPK[size:8], kolvo_system_heapi_mem_max_num = 262144
-  UNPK[size:8], kolvo_system_heapi_mem_cur_num = 73728
-  UNPK[size:4], modem_statsi_cmd_q_count = 2
-  UNPK[size:4], modem_statsi_cmd_free_q_count = 62
-  UNPK[size:4], g_kolvo_log_mask = 31
-  UNPK[size:4], g_kolvo_log_stats_mask = 7
-  -------- stats main info end, cnt(58) --------
+  $ blocks() { boot "{\"debug\": {\"version\": $1}}"; answer 7 1 1 > v$1; sed -E 's/UNPK\[size:([0-9])\], /\1 /' v$1; }
+  $ blocks 4 > v; awk '{ printf "%s%s", $0, /end/ ? "\n" : "; " }' v
+  Get the debug info of modem_stats, mask = 0x1; 1 version = 4; -------- stats main info start --------; 1 g_modem_stats_feature_enable_status = 1; 8 g_unpk_version_not_support_num = 0; 8 g_modem_stats_cmd_ok_count = 1284; 8 g_modem_stats_cmd_fail_count = 3; 8 kolvo_system_heapi_mem_max_num = 262144; 8 kolvo_system_heapi_mem_cur_num = 73728; 4 modem_statsi_cmd_q_count = 2; 4 modem_statsi_cmd_free_q_count = 62; 4 g_kolvo_log_mask = 31; 4 g_kolvo_log_stats_mask = 7; -------- stats main info end, cnt(58) --------
+  -------- stats diag info start --------; 1 init_state = 1; 4 listener_event_num = 17; 1 listener_event_state = 2; 4 listener_event_call_num = 5203; 4 listener_event_parse_num = 5201; 4 listener_log_num = 23; 1 listener_log_state = 3; 8 listener_log_call_num = 91377; 8 listener_log_parse_num = 91370; 4 poll_update_call_num = 640; 4 poll_update_parse_num = 639; 8 listener_event_callback_num = 5210; 8 listener_log_callback_num = 91401; 4 lte_cell_id_invalid_num = 12; 4 nr5g_cell_id_invalid_num = 8; 4 event_duration_ms_max = 14; 4 log_duration_ms_max = 27; 4 do_duration_ms_max = 41; 4 debug_call_num = 6; 4 debug_parse_num = 5; 4 cust_event_call_num = 73; 4 cust_event_parse_num = 71; -------- stats diag info end, cnt(153) --------
+  -------- stats cm info start --------; 1 init_state = 1; 1 listener_state = 2; 4 listener_call_event_call_num = 301; 4 listener_call_event_parse_num = 300; 4 listener_subs_event_call_num = 44; 4 listener_subs_event_parse_num = 43; 4 listener_ss_event_call_num = 2210; 4 listener_ss_event_parse_num = 2209; 4 listener_stats_event_call_num = 98; 4 listener_stats_event_parse_num = 97; 4 poll_update_rf_call_num = 640; 4 poll_update_rf_parse_num = 638; 4 poll_update_lte_call_num = 512; 4 poll_update_lte_parse_num = 511; 4 poll_update_nr5g_call_num = 128; 4 poll_update_nr5g_parse_num = 127; -------- stats cm info end, cnt(211) --------
+  -------- stats uim info start --------; 1 init_state = 1; 1 listener_state = 2; 4 listener_event_call_num = 9; 4 listener_event_parse_num = 8; -------- stats uim info end, cnt(221) --------
+  $ for version in 0 1 2 3 255; do blocks $version > w; diff v w | grep -oE '[a-z_0-9]*(max|mask|num|count) |cnt.*' | uniq | xargs; done
+  kolvo_system_heapi_mem_max_num kolvo_system_heapi_mem_cur_num modem_statsi_cmd_q_count modem_statsi_cmd_free_q_count g_kolvo_log_mask g_kolvo_log_stats_mask cnt(58) -------- cnt(26) -------- listener_event_callback_num listener_log_callback_num lte_cell_id_invalid_num nr5g_cell_id_invalid_num event_duration_ms_max log_duration_ms_max do_duration_ms_max debug_call_num debug_parse_num cust_event_call_num cust_event_parse_num cnt(153) -------- cnt(69) -------- cnt(211) -------- cnt(127) -------- cnt(221) -------- cnt(137) --------
+  kolvo_system_heapi_mem_max_num kolvo_system_heapi_mem_cur_num modem_statsi_cmd_q_count modem_statsi_cmd_free_q_count g_kolvo_log_mask g_kolvo_log_stats_mask cnt(58) -------- cnt(26) -------- event_duration_ms_max log_duration_ms_max do_duration_ms_max debug_call_num debug_parse_num cust_event_call_num cust_event_parse_num cnt(153) -------- cnt(93) -------- cnt(211) -------- cnt(151) -------- cnt(221) -------- cnt(161) --------
+  g_kolvo_log_mask g_kolvo_log_stats_mask cnt(58) -------- cnt(50) -------- cust_event_call_num cust_event_parse_num cnt(153) -------- cnt(137) -------- cnt(211) -------- cnt(195) -------- cnt(221) -------- cnt(205) --------
+  g_kolvo_log_mask g_kolvo_log_stats_mask cnt(58) -------- cnt(50) -------- cnt(153) -------- cnt(145) -------- cnt(211) -------- cnt(203) -------- cnt(221) -------- cnt(213) --------
+  
 
 Counters at their limits, and the mask as it was given.
 

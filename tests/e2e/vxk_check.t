@@ -9,36 +9,11 @@ Each command on a healthy handset, and the values of its answer.
 
   $ boot '{"modem": {"restart_ms": 0}}'
   $ set_property persist.radio.ssr_wait_s 0; set_property persist.vendor.ssr.restart_level ALL_ENABLE
-  $ while read -r words; do printf '%s: ' "$words"; judged -- $words; done <<'END'
-  > 3 0 5 7
-  > 3 1
-  > 3 3 1 4 0x80
-  > 4 2 0 10 1 2 3
-  > 4 1 0 10
-  > 4 5 0 /demo 255
-  > 4 4 0 /demo
-  > 5 0 0 0 3000 0x4B
-  > 5 0 1 1 0 0
-  > 5 1
-  > 5 2 0
-  > 5 3 0 0 1
-  > 5 4
-  > 5 5
-  > 5 6 0
-  > 5 10 1 0
-  > 5 10 4 0
-  > 5 10 5 0
-  > 6 4 39
-  > 7 0 0
-  > 7 1 0
-  > 9 9 1
-  > 9 10 0
-  > 9 21 0
-  > 9 30 0
-  > 8 AT
-  > 11 2
-  > 11 3 1
-  > 11 0
+  $ all() { while IFS='|' read -ra all; do for words in "${all[@]}"; do printf '%s: ' "$words"; judged -- $words; done; done; }
+  $ all <<'END'
+  > 3 0 5 7|3 1|3 3 1 4 0x80|4 2 0 10 1 2 3|4 1 0 10|4 5 0 /demo 255|4 4 0 /demo|5 0 0 0 3000 0x4B|5 0 1 1 0 0|5 1
+  > 5 2 0|5 3 0 0 1|5 4|5 5|5 6 0|5 10 1 0|5 10 4 0|5 10 5 0|6 4 39|7 0 0|7 1 0|9 9 1|9 10 0|9 21 0|9 30 0|8 AT
+  > 11 2|11 3 1|11 0
   > END
   3 0 5 7: 0 success {}
   3 1: 0 success {"length": 12, "bytes": "02 00 00 00 05 00 00 00 07 00 00 00"}
@@ -72,20 +47,8 @@ Each command on a healthy handset, and the values of its answer.
 
 Command lines that the tool does not take.
 
-  $ while read -r words; do printf '%s: ' "$words"; judged -- $words; done <<'END'
-  > 1 1
-  > 12
-  > 3 1 extra
-  > 4 4 0
-  > 4 1 0 7233
-  > 5 7
-  > 5 10 9 0
-  > 6 6 1
-  > 7 2
-  > 9 13 0
-  > 9 0 2
-  > 10 0 4
-  > 11 4 2
+  $ all <<'END'
+  > 1 1|12|3 1 extra|4 4 0|4 1 0 7233|5 7|5 10 9 0|6 6 1|7 2|9 13 0|9 0 2|10 0 4|11 4 2
   > END
   1 1: 2 refused ["Not support"]
   12: 2 refused ["the tool has no such command"]
@@ -243,7 +206,7 @@ Behind adb, of which this plays the part that vxk-check sees: one line for a she
 
 Command lines of vxk-check, and plans that are wrong.
 
-  $ plan() { printf "$1" > plan; vxk-check --plan plan; echo "= $?"; }
+  $ plan() { printf "$1" > plan; { vxk-check --plan plan; echo "= $?"; } 2>&1 | xargs -d '\n'; }
   $ vxk-check; vxk-check --plan nowhere; vxk-check --watch 1 --json -- 5 1; vxk-check --adb S1 --handset S2 -- 5 1; echo $?
   vxk-check: either --plan or a command behind "--" is needed
   vxk-check: cannot read the plan nowhere: No such file or directory
@@ -251,20 +214,13 @@ Command lines of vxk-check, and plans that are wrong.
   vxk-check: --adb and --handset exclude each other
   2
   $ plan '# nothing\n\n'; plan 'a: 5 1\nb: status\n'; plan 'a:\n'; plan '5 1 =>\n'; plan ': 5 1'; plan "5 10 3\n"; plan "4 4 0 '/x\n"
-  vxk-check: plan, line 2: no command in the whole plan
-  = 2
-  vxk-check: plan, line 2: a command begins with the number of its group, not with "status"
-  = 2
-  vxk-check: plan, line 1: no command
-  = 2
-  vxk-check: plan, line 1: no text behind "=>"
-  = 2
-  vxk-check: plan, line 1: no name before the colon
-  = 2
-  vxk-check: plan, line 1: the tool has no command 5 10 3
-  = 2
-  vxk-check: plan, line 1: no closing '
-  = 2
+  vxk-check: plan, line 2: no command in the whole plan = 2
+  vxk-check: plan, line 2: a command begins with the number of its group, not with "status" = 2
+  vxk-check: plan, line 1: no command = 2
+  vxk-check: plan, line 1: no text behind "=>" = 2
+  vxk-check: plan, line 1: no name before the colon = 2
+  vxk-check: plan, line 1: the tool has no command 5 10 3 = 2
+  vxk-check: plan, line 1: no closing ' = 2
   $ vxk-check --junit /nowhere/x -- 5 1; vxk-check --timeout 0 -- 5 1; echo $?
   vxk-check: cannot write /nowhere/x: No such file or directory
   --timeout: Value 0 not in range 0.001000 to 1000000.000000
@@ -330,21 +286,8 @@ A plan on three handsets at once: a table, one object, a file for the build serv
 The manual's table is this program's, and the manual's station finds the handsets that adb has.
 
   $ vxk-check --table markdown | diff - <(sed -n '/^| `vxk` /,$p' "$TESTDIR/../../docs/scripting.md")
-  $ vxk-check --table -- 4 5 0 /x 1; vxk-check --table -- 5 7
-  [
-    {
-      "words": "4 5 SUB PATH BYTE...",
-      "does": "write a file",
-      "success": [],
-      "failure": [
-        "kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS"
-      ],
-      "values": "",
-      "verify": "4 4 SUB PATH",
-      "unknown": ""
-    }
-  ]
-  []
+  $ vxk-check --table -- 4 5 0 /x 1 | tr -d '\n' | tr -s ' '; vxk-check --table -- 5 7
+  [ { "words": "4 5 SUB PATH BYTE...", "does": "write a file", "success": [], "failure": [ "kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS" ], "values": "", "verify": "4 4 SUB PATH", "unknown": "" }][]
   [2]
   $ mkfifo station; "$TESTDIR/../../docs/scripting/factory-station" plan results > station 2>&1 & station=$!
   $ read -r line < station; kill $station; echo "$line"; grep -c "type 2" results/S1.txt; ls results
