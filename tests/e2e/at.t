@@ -23,19 +23,13 @@ The receive thread prints when it likes, so lines are sorted.
   Will create a thread to receive data from serial
   at shell cmd: echo "AT+CFUN?\r" > /dev/smd8
   echo, ret_sys: 0
-  $ vxk 8 'AT+CGDCONT=1 second' | grep 'sscanf\|shell cmd'
-  At cmd you input: sscanf(1), len (12), AT+CGDCONT=1
-  at shell cmd: echo "AT+CGDCONT=1\r" > /dev/smd8
-  Success to send at shell cmd
-  $ vxk 8 '   ' | grep 'sscanf\|shell cmd'
-  At cmd you input: sscanf(-1), len (0), 
-  at shell cmd: echo "\r" > /dev/smd8
-  Success to send at shell cmd
+  $ vxk 8 'AT+CGDCONT=1 second' | grep 'sscanf\|shell cmd' | folded
+  At cmd you input: sscanf(1), len (12), AT+CGDCONT=1 | at shell cmd: echo "AT+CGDCONT=1\r" > /dev/smd8 | Success to send at shell cmd
+  $ vxk 8 '   ' | grep 'sscanf\|shell cmd' | folded
+  At cmd you input: sscanf(-1), len (0),  | at shell cmd: echo "\r" > /dev/smd8 | Success to send at shell cmd
   $ eventually test_count 'at - ->' 3
-  $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log"
-  at - -> line="AT+CFUN?\r"
-  at - -> line="AT+CGDCONT=1\r"
-  at - -> line="\r"
+  $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log" | folded
+  at - -> line="AT+CFUN?\r" | at - -> line="AT+CGDCONT=1\r" | at - -> line="\r"
   $ vxk 8 'AT+CPIN=\"1234\"' | grep -c Success; eventually test_count 'at - ->' 4
   1
   $ vxk 8 'AT\$A=1' | grep -c Success; eventually test_count 'at - ->' 5
@@ -43,11 +37,8 @@ The receive thread prints when it likes, so lines are sorted.
   $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log" | tail -2
   at - -> line="AT+CPIN=\"1234\"\r"
   at - -> line="AT$A=1\r"
-  $ show at | grep -v terminal
-  at
-    device    /dev/smd8
-    lines     5
-  
+  $ show at | grep -v terminal | folded
+  at |   device    /dev/smd8 |   lines     5 | 
 
 A handset that was killed leaves a link that leads nowhere: the tool fails to send, and makes no file. The next
 handset takes the link over.

@@ -10,11 +10,8 @@ Free: linked while the handset is there. What is written arrives as it is, with 
   TMP/h1/at
   $ printf 'AT\001\t"\\\377\r\nAT%%s\n\ntail' > "$VXK_AT_DEVICE"
   $ eventually test_count 'at - ->' 3; printf '\n' > "$VXK_AT_DEVICE"; eventually test_count 'at - ->' 4
-  $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log"
-  at - -> line="AT\x01\t\"\\\xFF\r"
-  at - -> line="AT%s"
-  at - -> line=""
-  at - -> line="tail"
+  $ grep -o 'at - -> .*' "$VXK_HANDSET_DIR/log/wire.log" | folded
+  at - -> line="AT\x01\t\"\\\xFF\r" | at - -> line="AT%s" | at - -> line="" | at - -> line="tail"
   $ printf '%05000d\n' 0 > "$VXK_AT_DEVICE"; eventually test_count 'at - ->' 6; show at | grep lines
     lines     6
 

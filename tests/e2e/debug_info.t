@@ -87,11 +87,8 @@ Counters at their limits, and the mask as it was given.
 
   $ boot '{"debug": {"version": 1, "diag": {"listener_log_call_num": "0xFFFFFFFFFFFFFFFF", "listener_event_num": 4294967295},
   >        "uim": {"init_state": 255}}}'
-  $ vxk 7 1 5 | grep -E 'mask|listener_(log_call|event)_num|= 255'
-  Get the debug info of modem_stats, mask = 0x5
-  UNPK[size:4], listener_event_num = 4294967295
-  UNPK[size:8], listener_log_call_num = 18446744073709551615
-  UNPK[size:1], init_state = 255
+  $ vxk 7 1 5 | grep -E 'mask|listener_(log_call|event)_num|= 255' | folded
+  Get the debug info of modem_stats, mask = 0x5 | UNPK[size:4], listener_event_num = 4294967295 | UNPK[size:8], listener_log_call_num = 18446744073709551615 | UNPK[size:1], init_state = 255
   $ vxk 7 1 -1 | head -1
   Get the debug info of modem_stats, mask = 0xffffffff
 

@@ -106,35 +106,9 @@ Without a result. The process may end before its worker gets anywhere.
 
 What the modem heard and said.
 
-  $ vxk-handset log --dir "$VXK_HANDSET_DIR" | grep -aE ' diag [12] ' | cut -d ' ' -f 3- | cut -c 1-80
-  diag 1 -- connected pid=\d+ command="vxk 5 0 0 0 3000 0x00" (re)
-  diag 1 -> open(1)
-  diag 1 <- open(1) result=1
-  diag 1 -> remote_mask(2)
-  diag 1 <- remote_mask(2) result=0 mask=0
-  diag 1 -> switch_logging(3) mode=6
-  diag 1 <- switch_logging(3) result=0
-  diag 1 -> send(4) processor=0 code="version" command=[00]
-  diag 1 <- send(4) result=0
-  diag 1 <- response(64) processor=0 code="version" response=[00 4D 61 72 20 31 34
-  diag 1 -> switch_logging(3) mode=1
-  diag 1 <- switch_logging(3) result=0
-  diag 1 -- closed
-  diag 2 -- connected pid=\d+ command="vxk 5 0 1 0 3000 0x00" (re)
-  diag 2 -> open(1)
-  diag 2 <- open(1) result=1
-  diag 2 -> dci_register(5) peripherals=2 processor=0
-  diag 2 <- dci_register(5) result=1001 client=1
-  diag 2 -> dci_signal(6) client=1 signal=64
-  diag 2 <- dci_signal(6) result=1001
-  diag 2 -> dci_support(7) processor=0
-  diag 2 <- dci_support(7) result=1001 peripherals=2
-  diag 2 -> dci_streams(8) client=1
-  diag 2 <- dci_streams(8) result=1001
-  diag 2 -> dci_send(9) client=1 code="version" command=[00]
-  diag 2 <- dci_send(9) result=1001
-  diag 2 <- dci_response(65) code="version" response=[00 4D 61 72 20 31 34 20 32 3
-  diag 2 -- closed
+  $ for n in 1 2; do vxk-handset log | grep -a " diag $n [-<]" | sed -E 's/.* diag [12] //' | cut -c 1-72 | grep -v connected | folded; done
+  -> open(1) | <- open(1) result=1 | -> remote_mask(2) | <- remote_mask(2) result=0 mask=0 | -> switch_logging(3) mode=6 | <- switch_logging(3) result=0 | -> send(4) processor=0 code="version" command=[00] | <- send(4) result=0 | <- response(64) processor=0 code="version" response=[00 4D 61 72 20 31 3 | -> switch_logging(3) mode=1 | <- switch_logging(3) result=0 | -- closed
+  -> open(1) | <- open(1) result=1 | -> dci_register(5) peripherals=2 processor=0 | <- dci_register(5) result=1001 client=1 | -> dci_signal(6) client=1 signal=64 | <- dci_signal(6) result=1001 | -> dci_support(7) processor=0 | <- dci_support(7) result=1001 peripherals=2 | -> dci_streams(8) client=1 | <- dci_streams(8) result=1001 | -> dci_send(9) client=1 code="version" command=[00] | <- dci_send(9) result=1001 | <- dci_response(65) code="version" response=[00 4D 61 72 20 31 34 20 32  | -- closed
 
 Commands as they are typed.
 
@@ -147,20 +121,10 @@ Commands as they are typed.
   
   =========== blew: vexkit(vxk) cmd help =======================================================
   5: cmn option cmd: 
-  $ answer 5 0 2 0 3000 0X7b 300 -1 x 0xABCD
-  diag cmd:
-  0x7B 0x2C 0xFF 0x00 0xCD 
-  dci mode with result
-  
-  rsp data len(5)
-  rsp data: 0x7B 0x2C 0xFF 0x00 0xCD
-  $ answer 5 0 x x x 0x4B
-  diag cmd:
-  0x4B 
-  callback mode with result
-  
-  rsp data len(2)
-  rsp data: 0x13 0x4B
+  $ answer 5 0 2 0 3000 0X7b 300 -1 x 0xABCD | folded
+  diag cmd: | 0x7B 0x2C 0xFF 0x00 0xCD  | dci mode with result |  | rsp data len(5) | rsp data: 0x7B 0x2C 0xFF 0x00 0xCD
+  $ answer 5 0 x x x 0x4B | folded
+  diag cmd: | 0x4B  | callback mode with result |  | rsp data len(2) | rsp data: 0x13 0x4B
   $ for n in 4096 4097; do vxk 5 0 0 0 3000 $(seq 123 $((122 + n))) | sed '/error_code/q' | grep -avE '^0x|^RIL' | cut -c 1-60; done
   diag cmd:
   callback mode with result
@@ -182,21 +146,9 @@ Remote processors, and who responds.
 
   $ boot '{"diag": {"remote_mask": 5, "responses": [
   >     {"command": "01", "processor": 1, "bytes": "01"}, {"command": "03", "processor": 3, "bytes": "03"}]}}'
-  $ for command in 1 3; do vxk 5 0 0 0 3000 $command | grep -E 'register|response from|data:' | grep -v 'function e'; done
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 01
-  RIL[kelvra_diag_register_callback:#]: register call back, g_diag_channel = [0]MSM, data_primary = 0, remote_mask = [5] APSS
-  RIL[kelvra_diag_register_callback:#]: register remote call back, data_remote = 1
-  RIL[kelvra_diag_register_callback:#]: register remote call back, data_remote = 3
-  RIL[kelvra_diag_cmd_response_check:#]: ================ response from 1[MDM], len = 1 ========================
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 01
-  rsp data: 0x01
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 03
-  RIL[kelvra_diag_register_callback:#]: register call back, g_diag_channel = [0]MSM, data_primary = 0, remote_mask = [5] APSS
-  RIL[kelvra_diag_register_callback:#]: register remote call back, data_remote = 1
-  RIL[kelvra_diag_register_callback:#]: register remote call back, data_remote = 3
-  RIL[kelvra_diag_cmd_response_check:#]: ================ response from 3[Unknown], len = 1 ========================
-  RIL[kelvra_print_data_with_hex:#]: data hex show, len(1), data: 03
-  rsp data: 0x03
+  $ for command in 1 3; do vxk 5 0 0 0 3000 $command | grep -E 'register.*data_|response from|^rsp' | sed 's/.*#]: //' | folded; done
+  register call back, g_diag_channel = [0]MSM, data_primary = 0, remote_mask = [5] APSS | register remote call back, data_remote = 1 | register remote call back, data_remote = 3 | ================ response from 1[MDM], len = 1 ======================== | rsp data len(1) | rsp data: 0x01
+  register call back, g_diag_channel = [0]MSM, data_primary = 0, remote_mask = [5] APSS | register remote call back, data_remote = 1 | register remote call back, data_remote = 3 | ================ response from 3[Unknown], len = 1 ======================== | rsp data len(1) | rsp data: 0x03
 
 Sizes of responses over the callback road, where every piece is a response.
 

@@ -80,12 +80,8 @@ The second run finds the stored EID.
 The first one stores it.
 
   $ boot; seen=0
-  $ answer 5 10 1 1
-  
-  
-  
-  save eid efs result = 0
-  eID=89049032001001000000000000000023
+  $ answer 5 10 1 1 | folded
+   |  |  | save eid efs result = 0 | eID=89049032001001000000000000000023
 
 Action 2 switches to the card.
 
@@ -105,10 +101,8 @@ A card has neither an EID nor an ISD-R.
   value=FAILED
   $ quiet 4
   PRESENT,PRESENT
-  $ vxk 5 10 5 1 | grep -E 'failed|res =|value'
-  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
-  value=FAILED
+  $ vxk 5 10 5 1 | grep -E 'failed|res =|value' | folded
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0 | value=FAILED
 
 Action 3 reads the EID.
 
@@ -166,13 +160,8 @@ Action 5 resets the eUICC's memory, and is content when there is nothing to dele
 What is missing or no action.
 
   $ requests > /dev/null
-  $ vxk 5 10 1 | head -6
-  RIL[kelvra_cmn_esim_test:#]: invalid input
-  
-  
-  note: Error happen! error_code(-1)
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
+  $ vxk 5 10 1 | head -6 | folded
+  RIL[kelvra_cmn_esim_test:#]: invalid input |  |  | note: Error happen! error_code(-1) |  | =========== blew: vexkit(vxk) cmd help =======================================================
   $ vxk 5 10 | sed -n 1p
   RIL[kelvra_cmn_esim_test:#]: invalid input
   $ vxk 5 10 0 1
@@ -187,12 +176,8 @@ the first byte that is not 0 at the last place that counts and behind it.
 
   $ with_eid() { boot "{\"euicc\": {\"eid\": \"$1\"}}"; }
   $ with_eid 89049032001001000000000000000024
-  $ vxk 5 10 1 1 | sed -n '/is_eid_valid/,$p'
-  RIL[is_eid_valid:#]: check whether eid valid
-  
-  RIL[is_eid_valid:#]: eid validate failed, result = 2
-  
-  value=FAILED - 89049032001001000000000000000024
+  $ vxk 5 10 1 1 | sed -n '/is_eid_valid/,$p' | folded
+  RIL[is_eid_valid:#]: check whether eid valid |  | RIL[is_eid_valid:#]: eid validate failed, result = 2 |  | value=FAILED - 89049032001001000000000000000024
   $ quiet 1; quiet 3; efs 1/nv/item_files/modem/uim/uimdrv/esim_eid
   value=FAILED - 89049032001001000000000000000024
   eID=89049032001001000000000000000024
@@ -209,10 +194,8 @@ the first byte that is not 0 at the last place that counts and behind it.
   >     00000000000000010000000000000000 00000000000000000100000000000000; do with_eid $eid; quiet 3; done > eids; xargs < eids
   value=FAILED value=FAILED eID=89049032001001000000000000000000 eID=00000000000000010000000000000000 value=FAILED
   $ with_eid 8904903200100100000000000000002300
-  $ vxk 5 10 3 1 | grep -E 'error|value'
-  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
-  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1
-  value=FAILED
+  $ vxk 5 10 3 1 | grep -E 'error|value' | folded
+  RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1 | RIL[kelvra_uim_request_eid:#]: send msg sync client error = -1 | value=FAILED
 
 An EID that takes its time.
 
@@ -265,16 +248,12 @@ than came.
   $ answers 47 "" "10 0F00 $none 01 01 00 00 00 00 00" "15 0900 $none 00" "15 1500 $none 02 01 00 00 00 00 00 09 00 00 00 00 00" \
   >   "15 0F00 $none 02 01 00 00 00 00 00" "15 0F00 $none FF 01 00 00 00 00 00" "15 0F00 $none 01 01 00 00 00 00 01" \
   >   "15 1600 $none 01 01 00 00 00 00 01 02 07 02 00 00 00 FF" "15 0F00 $none 01 01 00 00 00 00 00"
-  $ vxk 5 10 4 1 | grep -E 'check response|card_status,|^[A-Z]+,'
-  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response
-  RIL[kelvra_cmn_esim_test:#]: card_status, [3, 3]
-  UNKNOWN,UNKNOWN
+  $ vxk 5 10 4 1 | grep -E 'check response|card_status,|^[A-Z]+,' | folded
+  RIL[kelvra_uim_get_card_status:#]: kelvra_uim_get_card_status check response | RIL[kelvra_cmn_esim_test:#]: card_status, [3, 3] | UNKNOWN,UNKNOWN
   $ for run in 1 2 3; do quiet 4; done | xargs
   UNKNOWN,UNKNOWN UNKNOWN,UNKNOWN PRESENT,UNKNOWN
-  $ vxk 5 10 4 1 | grep -E 'error|card_status,|^[A-Z]+,'
-  RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -1
-  RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0]
-  ABSENT,ABSENT
+  $ vxk 5 10 4 1 | grep -E 'error|card_status,|^[A-Z]+,' | folded
+  RIL[kelvra_uim_get_card_status:#]: send msg sync client error = -1 | RIL[kelvra_cmn_esim_test:#]: card_status, [0, 0] | ABSENT,ABSENT
   $ for run in 1 2 3; do quiet 4; done | xargs
   ABSENT,ABSENT ABSENT,ABSENT ABSENT,ABSENT
   $ quiet 4
@@ -355,10 +334,8 @@ The modem restarts in the middle of a memory reset: the channel is lost, the pro
   RIL[kelvra_uim_send_apdu:#]: QMI error, try recovery
   RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -2
   value=FAILED
-  $ vxk 5 10 5 1 | grep -E 'channel_id|profile|value'
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, delete profile successfully.
-  value=SUCCEED
+  $ vxk 5 10 5 1 | grep -E 'channel_id|profile|value' | folded
+  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = 0, channel_id = 1 | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu, delete profile successfully. | value=SUCCEED
 
 A memory reset that is answered with something else leaves its channel open, and there are only three.
 
@@ -373,19 +350,13 @@ A memory reset that is answered with something else leaves its channel open, and
   value=FAILED
   $ quiet 1
   eID=89049032001001000000000000000023
-  $ vxk 5 10 5 1 | grep -E 'error|apdu res|value'
-  RIL[kelvra_uim_send_apdu:#]: send msg sync client error = -1
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -1
-  value=FAILED
+  $ vxk 5 10 5 1 | grep -E 'error|apdu res|value' | folded
+  RIL[kelvra_uim_send_apdu:#]: send msg sync client error = -1 | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -1 | value=FAILED
   $ answers 66 "11 0200 9000" "10 0100 01 12 0200 FF00"
-  $ vxk 5 10 5 1 | grep -E 'failed|res =|value'
-  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
-  value=FAILED
-  $ vxk 5 10 5 1 | grep -E 'error|res =|value'
-  RIL[kelvra_uim_open_channel:#]: send msg sync client error = -1
-  RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0
-  value=FAILED
+  $ vxk 5 10 5 1 | grep -E 'failed|res =|value' | folded
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0 | value=FAILED
+  $ vxk 5 10 5 1 | grep -E 'error|res =|value' | folded
+  RIL[kelvra_uim_open_channel:#]: send msg sync client error = -1 | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0 | value=FAILED
 
 A channel that the service refuses and yet numbers is none.
 

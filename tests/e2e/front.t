@@ -17,7 +17,5 @@ so that none changes unmeant.
   $ wc -l < none; sha256sum < none
   95
   731af100ed9e4e1eaeae51674b8e66361cbd1dc66444aa74003e74918af7a92c  -
-  $ head -3 none
-  
-  =========== blew: vexkit(vxk) cmd help =======================================================
-  1: nv option cmd
+  $ head -3 none | folded
+   | =========== blew: vexkit(vxk) cmd help ======================================================= | 1: nv option cmd

@@ -83,18 +83,8 @@ Show and log work from the folder, whether the handset lives or not.
   $ printf abc > "$VXK_HANDSET_DIR/efs/0/nv/item_files/demo"
   $ printf a > "$VXK_HANDSET_DIR/nv/1/10"
   $ printf 'two words' > "$VXK_HANDSET_DIR/properties/persist.demo"
-  $ vxk-handset show | sed -n '/^properties/,$p'
-  properties
-    persist.demo  "two words"
-  
-  efs, subscription 0
-    /nv/item_files/demo  3 bytes
-  
-  nv, subscription 0
-    none
-  
-  nv, subscription 1
-      10  1 byte
+  $ vxk-handset show | sed -n '/^properties/,$p' | folded
+  properties |   persist.demo  "two words" |  | efs, subscription 0 |   /nv/item_files/demo  3 bytes |  | nv, subscription 0 |   none |  | nv, subscription 1 |     10  1 byte
   $ vxk-handset show | sed -n 1,4p | masked
   handset /*/h1 (glob)
     running, process #
@@ -103,18 +93,12 @@ Show and log work from the folder, whether the handset lives or not.
   $ vxk-handset show | grep 65508
     qmi 65508  extension
   $ crash
-  $ vxk-handset show | sed -n 2,5p
-    not running
-  
-  services
-    none
+  $ vxk-handset show | sed -n 2,5p | folded
+    not running |  | services |   none
   $ boot
   $ halt
-  $ vxk-handset log | grep -E ' (modem|qmi/extension) - ' | masked
-  modem - -- boot
-  qmi/extension - -- published
-  qmi/extension - -- withdrawn
-  modem - -- off
+  $ vxk-handset log | grep -E ' (modem|qmi/extension) - ' | masked | folded
+  modem - -- boot | qmi/extension - -- published | qmi/extension - -- withdrawn | modem - -- off
   $ for what in show log; do vxk-handset $what > /dev/full; echo $?; done
   vxk-handset: cannot write to standard output: No space left on device
   1
@@ -131,11 +115,8 @@ chosen by a process, by its number, or by a time is the part of the log itself.
   $ boot '{"faults": [{"service": "extension", "code": "efs_delete", "action": "no_answer"}]}'
   $ vxk 4 5 0 /a 1 2 255 > out; vxk 4 4 0 /a > out; vxk 9 7 0 > out; vxk 4 6 0 /a > out
   $ halt
-  $ vxk-handset log --commands | cut -c 29- | sed -E 's/^ *[0-9]+//'
-    vxk 4 5 0 /a 1 2 255
-    vxk 4 4 0 /a
-    vxk 9 7 0
-    vxk 4 6 0 /a
+  $ vxk-handset log --commands | cut -c 29- | sed -E 's/^ *[0-9]+//' | folded
+    vxk 4 5 0 /a 1 2 255 |   vxk 4 4 0 /a |   vxk 9 7 0 |   vxk 4 6 0 /a
   $ vxk-handset log --since 0 | diff - "$VXK_HANDSET_DIR/log/wire.log"
   $ vxk-handset log --since 2000-01-01 | diff - "$VXK_HANDSET_DIR/log/wire.log"
   $ vxk-handset log --since 99; vxk-handset log --since noon

@@ -35,10 +35,8 @@ it and succeeds.
   $ property $level
   ALL_DISABLE
   $ away() { ! test -S "$VXK_HANDSET_DIR/qmi/65508"; }; eventually away
-  $ vxk 11 2 2>/dev/null | grep -E 'SYNC|num_services = 0|result'
-  RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
-  kelvra_extend_qmi_handle_req_cb result:0
+  $ vxk 11 2 2>/dev/null | grep -E 'SYNC|num_services = 0|result' | folded
+  RIL[kelvra_smart_test_nv_sync:#]: Will trigger NV SYNC | KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0 | kelvra_extend_qmi_handle_req_cb result:0
   $ asked
   id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
   id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
@@ -80,45 +78,15 @@ change. The handset reboots each time.
 
   $ boot '{"modem": {"restart_ms": 0}}'
   $ set_property persist.radio.ssr_wait_s 0
-  $ vxk 11 1
+  $ vxk 11 1 | grep smart_test
   RIL[kelvra_smart_test_full_dump:#]: need to save ssr state
-  
   RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_ENABLE, the default state: 
-  
   RIL[kelvra_smart_test_full_dump:#]: need to close ssr
-  
-  RIL[kelvra_efs_read:#]: kelvra_efs_read, sub_id 0, path_len: 44
-  RIL[kelvra_efs_read:#]: path_value: /nv/item_files/modem/kelvra/ssr_update_count
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_read:#]: result = 0, rsp.result = -2
-  RIL[kelvra_efs_read:#]: qmi response fail
   RIL[kelvra_smart_test_read_ssr_update_flag:#]: PROP_MODEM_SSR_UPDATE_COUNT read ret: -2, old update_cnt: 0, len: 0
   RIL[kelvra_smart_test_read_ssr_update_flag:#]: kelvra_efs_read failed, maybe empty
-  RIL[kelvra_efs_write:#]: kelvra_efs_write, sub_id 0, path_len: 44, buf_len: 4
-  RIL[kelvra_efs_write:#]: path_value: /nv/item_files/modem/kelvra/ssr_update_count
-  RIL[kelvra_efs_write:#]: send_num(4)
-  RIL[kelvra_efs_write:#]: left_num(4)
-  RIL[kelvra_efs_write:#]: data_len_all = 4, data_len_send = 0, data_len_recv = 0, send_count = 0, data_len_cur = 4
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_qmi_result_map:#]: kelvra_qmi_result_map, old_result 0, new_result 0
-  RIL[kelvra_efs_write:#]: result = 0, rsp.result[>=0 is instance id] = 0
   RIL[kelvra_smart_test_save_ssr_update_flag:#]: PROP_MODEM_SSR_UPDATE_COUNT write ret: 0, new update_cnt: 1
   RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 0
-  
   RIL[kelvra_smart_test_ssr_wait_s:#]: modem ssr will not wait
-  
-  RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
-  RIL[kelvra_send_common_qmi_msg:#]: t 31
-  RIL[kelvra_send_common_qmi_msg:#]: l 4
-  kelvra_extend_qmi_send_sync resp_len:16
-  kelvra_extend_qmi_handle_req_cb result:0
-  RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   $ restarted 1
   $ vxk 11 1 | grep full_dump
   RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_DISABLE, the default state: ALL_ENABLE

@@ -27,15 +27,10 @@ A file is written, read back and deleted.
   
   data len(3)
   data:  01 02 FF
-  $ vxk 4 6 0 /nv/item_files/demo | grep delete
-  RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 19
-  RIL[kelvra_efs_delete:#]: path_value: /nv/item_files/demo
-  RIL[kelvra_efs_delete:#]: result = 0, rsp.result = 0
-  $ answer 4 4 0 /nv/item_files/demo | helpless
-  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS
-  
-  note: Error happen! error_code(-2)
-  
+  $ vxk 4 6 0 /nv/item_files/demo | grep delete | folded
+  RIL[kelvra_efs_delete:#]: kelvra_efs_delete, sub_id 0, path_len: 19 | RIL[kelvra_efs_delete:#]: path_value: /nv/item_files/demo | RIL[kelvra_efs_delete:#]: result = 0, rsp.result = 0
+  $ answer 4 4 0 /nv/item_files/demo | helpless | folded
+  kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-2) | 
 
 Any subscription but 0 is 1. A byte is decimal, and its low 8 bits count.
 
@@ -62,10 +57,8 @@ A command writes and reads 365 bytes at most.
   
   data len(365)
   $ : > "$VXK_HANDSET_DIR/efs/0/empty"
-  $ answer 4 4 0 /empty
-  
-  data len(0)
-  data: 
+  $ answer 4 4 0 /empty | folded
+   | data len(0) | data: 
 
 A path has 1 to 71 characters, of any kind.
 
@@ -85,10 +78,8 @@ A path has 1 to 71 characters, of any kind.
 
 NV items.
 
-  $ vxk 4 2 1 10 1 2 3 | grep nv_write
-  RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 1, nv_id: 10
-  RIL[kelvra_nv_write_ex:#]: buf_len: 3
-  RIL[kelvra_nv_write_ex:#]: result = 0, rsp.result = 0
+  $ vxk 4 2 1 10 1 2 3 | grep nv_write | folded
+  RIL[kelvra_nv_write_ex:#]: kelvra_nv_write_ex, sub_id 1, nv_id: 10 | RIL[kelvra_nv_write_ex:#]: buf_len: 3 | RIL[kelvra_nv_write_ex:#]: result = 0, rsp.result = 0
   $ vxk 4 1 1 10 | grep -v '^K\|^k\|^Q'
   RIL[kelvra_nv_read:#]: kelvra_nv_read, sub_id 1, nv_id: 10
   RIL[kelvra_nv_read:#]: buf_len: 365
@@ -120,12 +111,8 @@ NV items.
 
 Too many and too few arguments.
 
-  $ answer 4 4 1 /nv/item_files/x extra | helpless
-  
-  note: need 5 inputs, Pls refer to the following cmd:
-  
-  note: Error happen! error_code(268431370)
-  
+  $ answer 4 4 1 /nv/item_files/x extra | helpless | folded
+   | note: need 5 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
   $ for command in "1 0" "1 0 1 2" "3 0" "3 0 1 2" "4 0" "6 0" "6 0 /x 1"; do answer 4 $command | sed -n 2p; done | uniq -c
         7 note: need 5 inputs, Pls refer to the following cmd:
   $ for command in "2 0" "2 0 1" "5" "5 0 /x"; do answer 4 $command | sed -n 2p; done | uniq -c

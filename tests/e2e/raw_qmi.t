@@ -56,10 +56,5 @@ Numbers that are fatal, with what was printed before them.
 A failed exchange.
 
   $ boot '{"faults": [{"service": "extension", "request": 4, "action": "result", "result": 3}]}'
-  $ answer 6 4 1 | helpless
-  kv_qmi req data(qmi_id: 4, len: 1[max: 500]):
-  0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  3 QMI service framework error. Check client
-  qmi_id = 4, result = -3
-  kelvra_extend_qmi_send_sync fail
-  
+  $ answer 6 4 1 | helpless | folded
+  kv_qmi req data(qmi_id: 4, len: 1[max: 500]): | 0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1 | 3 QMI service framework error. Check client | qmi_id = 4, result = -3 | kelvra_extend_qmi_send_sync fail | 

@@ -5,40 +5,24 @@ Measurements over the statistics service, and the SAR index.
 
 Every measurement, of both subscriptions. Antenna information is that of subscription 0.
 
-  $ for opt in 0 1 2 3 4 5 6 7 8 9 10 11 12 20 21 30; do vxk 9 $opt 0; vxk 9 $opt 1; done > all; grep -c '^Success' all; grep 'DATA\|INFO' all
+  $ for opt in 0 1 2 3 4 5 6 7 8 9 10 11 12 20 21 30; do vxk 9 $opt 0; vxk 9 $opt 1; done > all; grep -c '^Success' all; grep 'DATA\|INFO' all | sed 's/^ASDIV DATA: //' | paste -d '|' - -
   32
-  ASDIV DATA: earfcn: 1300, pci: 101, rx_valid: 15, rsrp_rx0: -85.50, rsrq_rx0: -9.25, rssi_rx0: -56.50, snr_rx0: 21.50, rsrp_rx1: -87.25, rsrq_rx1: -10.00, rssi_rx1: -58.25, snr_rx1: 19.75, rsrp_rx2: -91.50, rsrq_rx2: -11.75, rssi_rx2: -62.75, snr_rx2: 16.50, rsrp_rx3: -92.25, rsrq_rx3: -12.50, rssi_rx3: -63.50, snr_rx3: 15.25
-  ASDIV DATA: earfcn: 1348, pci: 118, rx_valid: 15, rsrp_rx0: -86.25, rsrq_rx0: -9.50, rssi_rx0: -57.25, snr_rx0: 21.00, rsrp_rx1: -88.00, rsrq_rx1: -10.25, rssi_rx1: -59.00, snr_rx1: 19.25, rsrp_rx2: -92.25, rsrq_rx2: -12.00, rssi_rx2: -63.50, snr_rx2: 16.00, rsrp_rx3: -93.00, rsrq_rx3: -12.75, rssi_rx3: -64.25, snr_rx3: 14.75
-  ASDIV DATA: earfcn: 1396, pci: 135, rx_valid: 15, rsrp_rx0: -87.00, rsrq_rx0: -9.75, rssi_rx0: -58.00, snr_rx0: 20.50, rsrp_rx1: -88.75, rsrq_rx1: -10.50, rssi_rx1: -59.75, snr_rx1: 18.75, rsrp_rx2: -93.00, rsrq_rx2: -12.25, rssi_rx2: -64.25, snr_rx2: 15.50, rsrp_rx3: -93.75, rsrq_rx3: -13.00, rssi_rx3: -65.00, snr_rx3: 14.25
-  ASDIV DATA: earfcn: 1444, pci: 152, rx_valid: 15, rsrp_rx0: -87.75, rsrq_rx0: -10.00, rssi_rx0: -58.75, snr_rx0: 20.00, rsrp_rx1: -89.50, rsrq_rx1: -10.75, rssi_rx1: -60.50, snr_rx1: 18.25, rsrp_rx2: -93.75, rsrq_rx2: -12.50, rssi_rx2: -65.00, snr_rx2: 15.00, rsrp_rx3: -94.50, rsrq_rx3: -13.25, rssi_rx3: -65.75, snr_rx3: 13.75
-  ASDIV DATA: earfcn: 1492, pci: 169, rx_valid: 15, rsrp_rx0: -88.50, rsrq_rx0: -10.25, rssi_rx0: -59.50, snr_rx0: 19.50, rsrp_rx1: -90.25, rsrq_rx1: -11.00, rssi_rx1: -61.25, snr_rx1: 17.75, rsrp_rx2: -94.50, rsrq_rx2: -12.75, rssi_rx2: -65.75, snr_rx2: 14.50, rsrp_rx3: -95.25, rsrq_rx3: -13.50, rssi_rx3: -66.50, snr_rx3: 13.25
-  ASDIV DATA: earfcn: 1540, pci: 186, rx_valid: 15, rsrp_rx0: -89.25, rsrq_rx0: -10.50, rssi_rx0: -60.25, snr_rx0: 19.00, rsrp_rx1: -91.00, rsrq_rx1: -11.25, rssi_rx1: -62.00, snr_rx1: 17.25, rsrp_rx2: -95.25, rsrq_rx2: -13.00, rssi_rx2: -66.50, snr_rx2: 14.00, rsrp_rx3: -96.00, rsrq_rx3: -13.75, rssi_rx3: -67.25, snr_rx3: 12.75
-  ASDIV DATA: earfcn: 1588, pci: 203, rx_valid: 15, rsrp_rx0: -90.00, rsrq_rx0: -10.75, rssi_rx0: -61.00, snr_rx0: 18.50, rsrp_rx1: -91.75, rsrq_rx1: -11.50, rssi_rx1: -62.75, snr_rx1: 16.75, rsrp_rx2: -96.00, rsrq_rx2: -13.25, rssi_rx2: -67.25, snr_rx2: 13.50, rsrp_rx3: -96.75, rsrq_rx3: -14.00, rssi_rx3: -68.00, snr_rx3: 12.25
-  ASDIV DATA: earfcn: 1636, pci: 220, rx_valid: 15, rsrp_rx0: -90.75, rsrq_rx0: -11.00, rssi_rx0: -61.75, snr_rx0: 18.00, rsrp_rx1: -92.50, rsrq_rx1: -11.75, rssi_rx1: -63.50, snr_rx1: 16.25, rsrp_rx2: -96.75, rsrq_rx2: -13.50, rssi_rx2: -68.00, snr_rx2: 13.00, rsrp_rx3: -97.50, rsrq_rx3: -14.25, rssi_rx3: -68.75, snr_rx3: 11.75
-  ASDIV DATA: earfcn: 1684, pci: 237, rx_valid: 15, rsrp_rx0: -91.50, rsrq_rx0: -11.25, rssi_rx0: -62.50, snr_rx0: 17.50, rsrp_rx1: -93.25, rsrq_rx1: -12.00, rssi_rx1: -64.25, snr_rx1: 15.75, rsrp_rx2: -97.50, rsrq_rx2: -13.75, rssi_rx2: -68.75, snr_rx2: 12.50, rsrp_rx3: -98.25, rsrq_rx3: -14.50, rssi_rx3: -69.50, snr_rx3: 11.25
-  ASDIV DATA: earfcn: 1732, pci: 254, rx_valid: 15, rsrp_rx0: -92.25, rsrq_rx0: -11.50, rssi_rx0: -63.25, snr_rx0: 17.00, rsrp_rx1: -94.00, rsrq_rx1: -12.25, rssi_rx1: -65.00, snr_rx1: 15.25, rsrp_rx2: -98.25, rsrq_rx2: -14.00, rssi_rx2: -69.50, snr_rx2: 12.00, rsrp_rx3: -99.00, rsrq_rx3: -14.75, rssi_rx3: -70.25, snr_rx3: 10.75
-  ASDIV DATA: earfcn: 1780, pci: 271, rx_valid: 15, rsrp_rx0: -93.00, rsrq_rx0: -11.75, rssi_rx0: -64.00, snr_rx0: 16.50, rsrp_rx1: -94.75, rsrq_rx1: -12.50, rssi_rx1: -65.75, snr_rx1: 14.75, rsrp_rx2: -99.00, rsrq_rx2: -14.25, rssi_rx2: -70.25, snr_rx2: 11.50, rsrp_rx3: -99.75, rsrq_rx3: -15.00, rssi_rx3: -71.00, snr_rx3: 10.25
-  ASDIV DATA: earfcn: 1828, pci: 288, rx_valid: 15, rsrp_rx0: -93.75, rsrq_rx0: -12.00, rssi_rx0: -64.75, snr_rx0: 16.00, rsrp_rx1: -95.50, rsrq_rx1: -12.75, rssi_rx1: -66.50, snr_rx1: 14.25, rsrp_rx2: -99.75, rsrq_rx2: -14.50, rssi_rx2: -71.00, snr_rx2: 11.00, rsrp_rx3: -100.50, rsrq_rx3: -15.25, rssi_rx3: -71.75, snr_rx3: 9.75
-  ASDIV DATA: earfcn: 1876, pci: 305, rx_valid: 15, rsrp_rx0: -94.50, rsrq_rx0: -12.25, rssi_rx0: -65.50, snr_rx0: 15.50, rsrp_rx1: -96.25, rsrq_rx1: -13.00, rssi_rx1: -67.25, snr_rx1: 13.75, rsrp_rx2: -100.50, rsrq_rx2: -14.75, rssi_rx2: -71.75, snr_rx2: 10.50, rsrp_rx3: -101.25, rsrq_rx3: -15.50, rssi_rx3: -72.50, snr_rx3: 9.25
-  ASDIV DATA: earfcn: 1924, pci: 322, rx_valid: 15, rsrp_rx0: -95.25, rsrq_rx0: -12.50, rssi_rx0: -66.25, snr_rx0: 15.00, rsrp_rx1: -97.00, rsrq_rx1: -13.25, rssi_rx1: -68.00, snr_rx1: 13.25, rsrp_rx2: -101.25, rsrq_rx2: -15.00, rssi_rx2: -72.50, snr_rx2: 10.00, rsrp_rx3: -102.00, rsrq_rx3: -15.75, rssi_rx3: -73.25, snr_rx3: 8.75
-  ASDIV DATA: rssi_rx0: -58.25, rssi_rx1: -59.50, rssi_rx2: -63.75, rssi_rx3: -64.50
-  ASDIV DATA: rssi_rx0: -60.75, rssi_rx1: -62.00, rssi_rx2: -66.25, rssi_rx3: -67.00
-  ASDIV DATA: snr_rx0: 24.50, snr_rx1: 23.25, snr_rx2: 20.75, snr_rx3: 20.00
-  ASDIV DATA: snr_rx0: 23.00, snr_rx1: 21.75, snr_rx2: 19.25, snr_rx3: 18.50
-  ASDIV DATA: ant_rx_0_old = 0, ant_rx_0_new = 4, ant_rx_1_old = 1, ant_rx_1_new = 5, ant_rx_2_old = 2, ant_rx_2_new = 6, ant_rx_3_old = 3, ant_rx_3_new = 7, ant_tx_0_old = 8, ant_tx_0_new = 10, ant_tx_1_old = 9, ant_tx_1_new = 11
-  ASDIV DATA: ant_rx_0_old = 1, ant_rx_0_new = 5, ant_rx_1_old = 2, ant_rx_1_new = 6, ant_rx_2_old = 3, ant_rx_2_new = 7, ant_rx_3_old = 4, ant_rx_3_new = 8, ant_tx_0_old = 9, ant_tx_0_new = 11, ant_tx_1_old = 10, ant_tx_1_new = 12
-  ASDIV DATA: rsrp_rx0: -84.50, rsrp_rx1: -85.25, rsrp_rx2: -89.75, rsrp_rx3: -91.00, rsrq: -10.75
-  ASDIV DATA: rsrp_rx0: -85.75, rsrp_rx1: -86.50, rsrp_rx2: -91.00, rsrp_rx3: -92.25, rsrq: -11.00
-  ASDIV DATA: rsrp_rx0: -87.00, rsrp_rx1: -87.75, rsrp_rx2: -92.25, rsrp_rx3: -93.50, rsrq: -11.25
-  ASDIV DATA: rsrp_rx0: -88.25, rsrp_rx1: -89.00, rsrp_rx2: -93.50, rsrp_rx3: -94.75, rsrq: -11.50
-  ASDIV DATA: rsrp_rx0: -89.50, rsrp_rx1: -90.25, rsrp_rx2: -94.75, rsrp_rx3: -96.00, rsrq: -11.75
-  ASDIV DATA: rsrp_rx0: -90.75, rsrp_rx1: -91.50, rsrp_rx2: -96.00, rsrp_rx3: -97.25, rsrq: -12.00
-  ASDIV DATA: rx_agc_0: -71.25, rx_agc_1: -73.50
-  ASDIV DATA: rx_agc_0: -73.00, rx_agc_1: -75.25
-  ASDIV DATA: rx_prx: -63.50, rx_drx: -66.25
-  ASDIV DATA: rx_prx: -65.75, rx_drx: -68.50
-  ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2
-  ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2
+  earfcn: 1300, pci: 101, rx_valid: 15, rsrp_rx0: -85.50, rsrq_rx0: -9.25, rssi_rx0: -56.50, snr_rx0: 21.50, rsrp_rx1: -87.25, rsrq_rx1: -10.00, rssi_rx1: -58.25, snr_rx1: 19.75, rsrp_rx2: -91.50, rsrq_rx2: -11.75, rssi_rx2: -62.75, snr_rx2: 16.50, rsrp_rx3: -92.25, rsrq_rx3: -12.50, rssi_rx3: -63.50, snr_rx3: 15.25|earfcn: 1348, pci: 118, rx_valid: 15, rsrp_rx0: -86.25, rsrq_rx0: -9.50, rssi_rx0: -57.25, snr_rx0: 21.00, rsrp_rx1: -88.00, rsrq_rx1: -10.25, rssi_rx1: -59.00, snr_rx1: 19.25, rsrp_rx2: -92.25, rsrq_rx2: -12.00, rssi_rx2: -63.50, snr_rx2: 16.00, rsrp_rx3: -93.00, rsrq_rx3: -12.75, rssi_rx3: -64.25, snr_rx3: 14.75
+  earfcn: 1396, pci: 135, rx_valid: 15, rsrp_rx0: -87.00, rsrq_rx0: -9.75, rssi_rx0: -58.00, snr_rx0: 20.50, rsrp_rx1: -88.75, rsrq_rx1: -10.50, rssi_rx1: -59.75, snr_rx1: 18.75, rsrp_rx2: -93.00, rsrq_rx2: -12.25, rssi_rx2: -64.25, snr_rx2: 15.50, rsrp_rx3: -93.75, rsrq_rx3: -13.00, rssi_rx3: -65.00, snr_rx3: 14.25|earfcn: 1444, pci: 152, rx_valid: 15, rsrp_rx0: -87.75, rsrq_rx0: -10.00, rssi_rx0: -58.75, snr_rx0: 20.00, rsrp_rx1: -89.50, rsrq_rx1: -10.75, rssi_rx1: -60.50, snr_rx1: 18.25, rsrp_rx2: -93.75, rsrq_rx2: -12.50, rssi_rx2: -65.00, snr_rx2: 15.00, rsrp_rx3: -94.50, rsrq_rx3: -13.25, rssi_rx3: -65.75, snr_rx3: 13.75
+  earfcn: 1492, pci: 169, rx_valid: 15, rsrp_rx0: -88.50, rsrq_rx0: -10.25, rssi_rx0: -59.50, snr_rx0: 19.50, rsrp_rx1: -90.25, rsrq_rx1: -11.00, rssi_rx1: -61.25, snr_rx1: 17.75, rsrp_rx2: -94.50, rsrq_rx2: -12.75, rssi_rx2: -65.75, snr_rx2: 14.50, rsrp_rx3: -95.25, rsrq_rx3: -13.50, rssi_rx3: -66.50, snr_rx3: 13.25|earfcn: 1540, pci: 186, rx_valid: 15, rsrp_rx0: -89.25, rsrq_rx0: -10.50, rssi_rx0: -60.25, snr_rx0: 19.00, rsrp_rx1: -91.00, rsrq_rx1: -11.25, rssi_rx1: -62.00, snr_rx1: 17.25, rsrp_rx2: -95.25, rsrq_rx2: -13.00, rssi_rx2: -66.50, snr_rx2: 14.00, rsrp_rx3: -96.00, rsrq_rx3: -13.75, rssi_rx3: -67.25, snr_rx3: 12.75
+  earfcn: 1588, pci: 203, rx_valid: 15, rsrp_rx0: -90.00, rsrq_rx0: -10.75, rssi_rx0: -61.00, snr_rx0: 18.50, rsrp_rx1: -91.75, rsrq_rx1: -11.50, rssi_rx1: -62.75, snr_rx1: 16.75, rsrp_rx2: -96.00, rsrq_rx2: -13.25, rssi_rx2: -67.25, snr_rx2: 13.50, rsrp_rx3: -96.75, rsrq_rx3: -14.00, rssi_rx3: -68.00, snr_rx3: 12.25|earfcn: 1636, pci: 220, rx_valid: 15, rsrp_rx0: -90.75, rsrq_rx0: -11.00, rssi_rx0: -61.75, snr_rx0: 18.00, rsrp_rx1: -92.50, rsrq_rx1: -11.75, rssi_rx1: -63.50, snr_rx1: 16.25, rsrp_rx2: -96.75, rsrq_rx2: -13.50, rssi_rx2: -68.00, snr_rx2: 13.00, rsrp_rx3: -97.50, rsrq_rx3: -14.25, rssi_rx3: -68.75, snr_rx3: 11.75
+  earfcn: 1684, pci: 237, rx_valid: 15, rsrp_rx0: -91.50, rsrq_rx0: -11.25, rssi_rx0: -62.50, snr_rx0: 17.50, rsrp_rx1: -93.25, rsrq_rx1: -12.00, rssi_rx1: -64.25, snr_rx1: 15.75, rsrp_rx2: -97.50, rsrq_rx2: -13.75, rssi_rx2: -68.75, snr_rx2: 12.50, rsrp_rx3: -98.25, rsrq_rx3: -14.50, rssi_rx3: -69.50, snr_rx3: 11.25|earfcn: 1732, pci: 254, rx_valid: 15, rsrp_rx0: -92.25, rsrq_rx0: -11.50, rssi_rx0: -63.25, snr_rx0: 17.00, rsrp_rx1: -94.00, rsrq_rx1: -12.25, rssi_rx1: -65.00, snr_rx1: 15.25, rsrp_rx2: -98.25, rsrq_rx2: -14.00, rssi_rx2: -69.50, snr_rx2: 12.00, rsrp_rx3: -99.00, rsrq_rx3: -14.75, rssi_rx3: -70.25, snr_rx3: 10.75
+  earfcn: 1780, pci: 271, rx_valid: 15, rsrp_rx0: -93.00, rsrq_rx0: -11.75, rssi_rx0: -64.00, snr_rx0: 16.50, rsrp_rx1: -94.75, rsrq_rx1: -12.50, rssi_rx1: -65.75, snr_rx1: 14.75, rsrp_rx2: -99.00, rsrq_rx2: -14.25, rssi_rx2: -70.25, snr_rx2: 11.50, rsrp_rx3: -99.75, rsrq_rx3: -15.00, rssi_rx3: -71.00, snr_rx3: 10.25|earfcn: 1828, pci: 288, rx_valid: 15, rsrp_rx0: -93.75, rsrq_rx0: -12.00, rssi_rx0: -64.75, snr_rx0: 16.00, rsrp_rx1: -95.50, rsrq_rx1: -12.75, rssi_rx1: -66.50, snr_rx1: 14.25, rsrp_rx2: -99.75, rsrq_rx2: -14.50, rssi_rx2: -71.00, snr_rx2: 11.00, rsrp_rx3: -100.50, rsrq_rx3: -15.25, rssi_rx3: -71.75, snr_rx3: 9.75
+  earfcn: 1876, pci: 305, rx_valid: 15, rsrp_rx0: -94.50, rsrq_rx0: -12.25, rssi_rx0: -65.50, snr_rx0: 15.50, rsrp_rx1: -96.25, rsrq_rx1: -13.00, rssi_rx1: -67.25, snr_rx1: 13.75, rsrp_rx2: -100.50, rsrq_rx2: -14.75, rssi_rx2: -71.75, snr_rx2: 10.50, rsrp_rx3: -101.25, rsrq_rx3: -15.50, rssi_rx3: -72.50, snr_rx3: 9.25|earfcn: 1924, pci: 322, rx_valid: 15, rsrp_rx0: -95.25, rsrq_rx0: -12.50, rssi_rx0: -66.25, snr_rx0: 15.00, rsrp_rx1: -97.00, rsrq_rx1: -13.25, rssi_rx1: -68.00, snr_rx1: 13.25, rsrp_rx2: -101.25, rsrq_rx2: -15.00, rssi_rx2: -72.50, snr_rx2: 10.00, rsrp_rx3: -102.00, rsrq_rx3: -15.75, rssi_rx3: -73.25, snr_rx3: 8.75
+  rssi_rx0: -58.25, rssi_rx1: -59.50, rssi_rx2: -63.75, rssi_rx3: -64.50|rssi_rx0: -60.75, rssi_rx1: -62.00, rssi_rx2: -66.25, rssi_rx3: -67.00
+  snr_rx0: 24.50, snr_rx1: 23.25, snr_rx2: 20.75, snr_rx3: 20.00|snr_rx0: 23.00, snr_rx1: 21.75, snr_rx2: 19.25, snr_rx3: 18.50
+  ant_rx_0_old = 0, ant_rx_0_new = 4, ant_rx_1_old = 1, ant_rx_1_new = 5, ant_rx_2_old = 2, ant_rx_2_new = 6, ant_rx_3_old = 3, ant_rx_3_new = 7, ant_tx_0_old = 8, ant_tx_0_new = 10, ant_tx_1_old = 9, ant_tx_1_new = 11|ant_rx_0_old = 1, ant_rx_0_new = 5, ant_rx_1_old = 2, ant_rx_1_new = 6, ant_rx_2_old = 3, ant_rx_2_new = 7, ant_rx_3_old = 4, ant_rx_3_new = 8, ant_tx_0_old = 9, ant_tx_0_new = 11, ant_tx_1_old = 10, ant_tx_1_new = 12
+  rsrp_rx0: -84.50, rsrp_rx1: -85.25, rsrp_rx2: -89.75, rsrp_rx3: -91.00, rsrq: -10.75|rsrp_rx0: -85.75, rsrp_rx1: -86.50, rsrp_rx2: -91.00, rsrp_rx3: -92.25, rsrq: -11.00
+  rsrp_rx0: -87.00, rsrp_rx1: -87.75, rsrp_rx2: -92.25, rsrp_rx3: -93.50, rsrq: -11.25|rsrp_rx0: -88.25, rsrp_rx1: -89.00, rsrp_rx2: -93.50, rsrp_rx3: -94.75, rsrq: -11.50
+  rsrp_rx0: -89.50, rsrp_rx1: -90.25, rsrp_rx2: -94.75, rsrp_rx3: -96.00, rsrq: -11.75|rsrp_rx0: -90.75, rsrp_rx1: -91.50, rsrp_rx2: -96.00, rsrp_rx3: -97.25, rsrq: -12.00
+  rx_agc_0: -71.25, rx_agc_1: -73.50|rx_agc_0: -73.00, rx_agc_1: -75.25
+  rx_prx: -63.50, rx_drx: -66.25|rx_prx: -65.75, rx_drx: -68.50
+  ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2|ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2
   $ head -2 all; tail -3 all
   opt = 0, sub = 0, g_kolvo_client_id = 0
   Success to get data, number = 1, sub = 0, ret id_num = 1, id = 82, data_len = 75
@@ -58,10 +42,8 @@ What the modem does not have.
 
 Every session is a connection of its own: the feature, then one value. Nothing is asked of a subscription that no modem has.
 
-  $ vxk-handset show | grep -A2 '^statistics'
-  statistics
-    values       32
-    indications  0
+  $ vxk-handset show | grep -A2 '^statistics' | folded
+  statistics |   values       32 |   indications  0
   $ vxk-handset log | grep -c 'qmi/statistics .* request feature'
   37
   $ vxk-handset log | grep -c 'qmi/statistics .* request values'
