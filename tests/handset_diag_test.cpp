@@ -1,6 +1,7 @@
 // The diag interface of the handset as its clients see it: bytes on its socket.
 #include "handset_fixture.h"
 
+#include <algorithm>
 #include <chrono>
 #include <map>
 #include <regex>
@@ -43,7 +44,8 @@ void converse(const RunningHandset& handset, std::string text) {
     text = std::regex_replace(text, std::regex("\\s+"), " ");
     const Client client(handset.dir(), "diag");
     const std::regex pattern("([<>]) ([^<>]*[^<> ])");
-    for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it) {
+    auto left = std::count(text.begin(), text.end(), '<') + std::count(text.begin(), text.end(), '>');
+    for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it, --left) {
         const std::string step = (*it)[2];
         SCOPED_TRACE(it->str() + " in " + text);
         if ((*it)[1] == ">") {
@@ -59,6 +61,7 @@ void converse(const RunningHandset& handset, std::string text) {
         EXPECT_EQ(packet->size(), std::stoul(step.substr(1)));
         EXPECT_EQ(text_of(*packet).rfind(step.substr(step.find(' ') + 1), 0), 0U) << text_of(*packet);
     }
+    EXPECT_EQ(left, 0) << "does not read";
 }
 
 struct Conversation {

@@ -1,8 +1,9 @@
 // The UIM service of the handset, byte by byte, and what of it outlives a restart.
+#include <algorithm>
 #include <chrono>
+#include <regex>
 #include <thread>
 
-#include "profile.h"
 #include "uim_client.h"
 
 namespace handset_test {
@@ -20,6 +21,29 @@ std::string opened(uint8_t channel) {
 
 class HandsetUimTest : public testing::Test {
 protected:
+    /// Requests and their answers, "message request > answer" parted by semicolons and line ends; "59:1" is a
+    /// command on channel 1. An answer is "ok" or "no" and the error, and what stands behind the result, or
+    /// the response to the command.
+    static void play(UimClient& client, std::string text) {
+        for (const auto& [name, bytes] : {std::pair<const char*, std::string>{"\\$open\\b", kOpenIsdR},
+                                          {"\\$reset", kReset},
+                                          {"\\$isdr", kIsdR},
+                                          {"ok \\$opened1", opened(1)},
+                                          {"ok \\$opened2", opened(2)}})
+            text = std::regex_replace(text, std::regex(name), bytes);
+        const std::regex row("(\\d+)(?::(\\d+))? ?([^>;\n]*)> (ok ?|no (\\d+) ?|)([^;\n]*)");
+        auto left = std::count(text.begin(), text.end(), '>');
+        for (std::sregex_iterator it(text.begin(), text.end(), row), end; it != end; ++it, --left) {
+            const auto& m = *it;
+            const auto number = [&m](size_t group) { return static_cast<uint8_t>(std::stoi(m[group])); };
+            const bool is_command = m[2].matched;
+            const std::string error = m[5].matched ? refused(number(5)) : m[4].length() != 0 ? kOk : "";
+            client.expect(number(1), is_command ? apdu(number(2), m[3]) : m[3].str(),
+                          is_command && error.empty() ? response(m[6]) : error + m[6].str());
+        }
+        EXPECT_EQ(left, 0) << "does not read";
+    }
+
     /// One t/l/v common request with a value; the modem's result.
     static int32_t common(const RunningHandset& handset, uint32_t code, const Bytes& value) {
         Client client(handset.dir(), "qmi/65508");
@@ -81,84 +105,44 @@ TEST_F(HandsetUimTest, ACardStatusTellsAbsenceErrorAndPower) {
 }
 
 TEST_F(HandsetUimTest, ChannelsAndCommands) {
-    const std::string done = response("BF 34 03 80 01 00 90 00");
-    const std::string nothing = response("BF 34 03 80 01 01 90 00");
-    const std::string keep_profiles = "80 E2 91 00 07 BF 34 04 82 02 05 60 00";
-    const Step steps[] = {
-        {66, kOpenIsdR, opened(1)},
-        {66, kOpenIsdR, opened(2)},
-        {66, "01 01 00 02", kOk + "10 01 00 03 11 02 00 90 00"},
-        {66, kOpenIsdR, refused(3) + "11 02 00 6A 81"},
-        {63, "01 01 00 02 11 01 00 02 13 01 00 01", kOk + "11 02 00 90 00"},
-        {63, "01 01 00 02 11 01 00 02 13 01 00 01", refused(48)},
-        {63, "01 01 00 02 11 01 00 00", refused(48)},
-        {63, "01 01 00 02 11 01 00 04", refused(48)},
-        {63, "01 01 00 02", refused(17)},
-        {66, "01 01 00 02 10 05 00 04 A0 00 00 05", refused(16) + "11 02 00 6A 82"},
-        {66, "01 01 00 01 10 11 00 10 " + kIsdR, refused(16) + "11 02 00 6A 82"},
-        {66, "01 01 00 02 10 06 00 05 A0 00 00 05 59", kOk + "10 01 00 02 11 02 00 90 00"},
-
-        {59, apdu(2, keep_profiles), nothing},
-        {59, apdu(2, kReset), done},
-        {59, apdu(1, kReset), nothing},
-        {59, apdu(1, "81 E2 91 00 07 BF 34 04 82 02 05 E0"), nothing},
-        {59, apdu(4, kReset), refused(48)},
-        {59, apdu(255, kReset), refused(48)},
-        {59, apdu(0, kReset), response("6D 00")},
-        {59, apdu(3, kReset), response("6D 00")},
-        {59, apdu(1, "00 E2 91 00 07 BF 34 04 82 02 05 E0 00"), response("6D 00")},
-        {59, apdu(1, "80 CA 00 5A 00"), response("6D 00")},
-        {59, apdu(1, "80 E2 91 00 03 BF 5F 00 00"), response("6A 88")},
-        {59, apdu(1, "80 E2 11 00 03 BF 34 04 00"), response("90 00")},
-        {59, apdu(1, "80 E2 91 01 04 82 02 05 E0 00"), nothing},
-        {59, apdu(1, "90 E2 91 00 07 BF 34 04 82 02 05 E0 00"), response("6E 00")},
-        {59, apdu(0, "FF FF FF FF"), response("6E 00")},
-        {59, apdu(1, "80 E2 91"), response("67 00")},
-        {59, apdu(1, "80 E2 91 00"), response("67 00")},
-        {59, apdu(1, "80 E2 91 00 08 BF 34 04 82 02 05 E0"), response("67 00")},
-        {59, apdu(1, "80 E2 91 00 07 BF 34 04 82 02 05 E0 00 00"), response("67 00")},
-        {59, apdu(1, "80 E2 91 00 06 BF 34 04 82 02 05 00"), response("67 00")},
-        {59, apdu(1, ""), response("67 00")},
-
-        {48, "01 01 00 02", kOk},
-        {59, apdu(1, kReset), refused(52)},
-        {66, kOpenIsdR, refused(52)},
-        {101, "01 01 00 02", refused(74)},
-        {49, "01 01 00 02 10 01 00 01 11 04 00 00 00 00 00", kOk},
-        {59, apdu(1, kReset), refused(48)},
-        {66, kOpenIsdR, opened(1)},
-        {101, "01 01 00 02", kOk + "10 11 00 10 89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23"},
-        {101, "01 01 00 01", refused(94)},
-    };
     const RunningHandset handset(place_);
     UimClient client(handset);
-    for (const Step& step : steps)
-        client.expect(step.message, step.request, step.answer);
+    play(client, R"(
+        66 $open > ok $opened1; 66 $open > ok $opened2; 66 01 01 00 02 > ok 10 01 00 03 11 02 00 90 00
+        66 $open > no 3 11 02 00 6A 81; 63 01 01 00 02 11 01 00 02 13 01 00 01 > ok 11 02 00 90 00
+        63 01 01 00 02 11 01 00 02 13 01 00 01 > no 48; 63 01 01 00 02 11 01 00 00 > no 48
+        63 01 01 00 02 11 01 00 04 > no 48; 63 01 01 00 02 > no 17
+        66 01 01 00 02 10 05 00 04 A0 00 00 05 > no 16 11 02 00 6A 82
+        66 01 01 00 01 10 11 00 10 $isdr > no 16 11 02 00 6A 82
+        66 01 01 00 02 10 06 00 05 A0 00 00 05 59 > ok 10 01 00 02 11 02 00 90 00
+        59:2 80 E2 91 00 07 BF 34 04 82 02 05 60 00 > BF 34 03 80 01 01 90 00
+        59:2 $reset > BF 34 03 80 01 00 90 00; 59:1 $reset > BF 34 03 80 01 01 90 00
+        59:1 81 E2 91 00 07 BF 34 04 82 02 05 E0 > BF 34 03 80 01 01 90 00; 59:4 $reset > no 48
+        59:255 $reset > no 48; 59:0 $reset > 6D 00; 59:3 $reset > 6D 00
+        59:1 00 E2 91 00 07 BF 34 04 82 02 05 E0 00 > 6D 00; 59:1 80 CA 00 5A 00 > 6D 00
+        59:1 80 E2 91 00 03 BF 5F 00 00 > 6A 88; 59:1 80 E2 11 00 03 BF 34 04 00 > 90 00
+        59:1 80 E2 91 01 04 82 02 05 E0 00 > BF 34 03 80 01 01 90 00
+        59:1 90 E2 91 00 07 BF 34 04 82 02 05 E0 00 > 6E 00; 59:0 FF FF FF FF > 6E 00
+        59:1 80 E2 91 > 67 00; 59:1 80 E2 91 00 > 67 00; 59:1 80 E2 91 00 08 BF 34 04 82 02 05 E0 > 67 00
+        59:1 80 E2 91 00 07 BF 34 04 82 02 05 E0 00 00 > 67 00
+        59:1 80 E2 91 00 06 BF 34 04 82 02 05 00 > 67 00; 59:1 > 67 00; 48 01 01 00 02 > ok
+        59:1 $reset > no 52; 66 $open > no 52; 101 01 01 00 02 > no 74
+        49 01 01 00 02 10 01 00 01 11 04 00 00 00 00 00 > ok; 59:1 $reset > no 48; 66 $open > ok $opened1
+        101 01 01 00 02 > ok 10 11 00 10 89 04 90 32 00 10 01 00 00 00 00 00 00 00 00 23
+        101 01 01 00 01 > no 94)");
 }
 
 TEST_F(HandsetUimTest, RefusesWhatIsMissingOrLies) {
-    const Step steps[] = {
-        {48, "", refused(17)},
-        {101, "01 00 00", refused(17)},
-        {101, "01 04 00 02 00 00 00", refused(1)},
-        {49, "01 01 00 00", refused(48)},
-        {66, "01 01 00 03", refused(48)},
-        {59, "01 01 00 02", refused(17)},
-        {59, "01 01 00 02 02 03 00 02 00 80", refused(1)},
-        {59, "01 01 00 02 02 03 00 00 00 80", refused(1)},
-        {59, "01 01 00 02 02 01 00 00", refused(1)},
-        {59, apdu(0, kReset) + " 10 02 00 01 00", refused(1)},
-        {66, "01 01 00 02 10 02 00 02 A0", refused(1)},
-        {66, "01 01 00 02 10 22 00 21 " + kIsdR + kIsdR + "00", refused(1)},
-        {66, "01 01 00 02 11 02 00 01 00", refused(1)},
-        {63, "01 01 00 02 11 02 00 01 00", refused(1)},
-        {97, "01 01 00 02", refused(71)},
-        {59, "01 01 00 02 02 FF", refused(1)},
-    };
     const RunningHandset handset(place_);
     UimClient client(handset);
-    for (const Step& step : steps)
-        client.expect(step.message, step.request, step.answer);
+    play(client, R"(
+        48 > no 17; 101 01 00 00 > no 17; 101 01 04 00 02 00 00 00 > no 1; 49 01 01 00 00 > no 48
+        66 01 01 00 03 > no 48; 59 01 01 00 02 > no 17; 59 01 01 00 02 02 03 00 02 00 80 > no 1
+        59 01 01 00 02 02 03 00 00 00 80 > no 1; 59 01 01 00 02 02 01 00 00 > no 1
+        66 01 01 00 02 10 02 00 02 A0 > no 1; 66 01 01 00 02 10 22 00 21 $isdr $isdr 00 > no 1
+        66 01 01 00 02 11 02 00 01 00 > no 1; 63 01 01 00 02 11 02 00 01 00 > no 1; 97 01 01 00 02 > no 71
+        59 01 01 00 02 02 FF > no 1)");
+    client.expect(59, apdu(0, kReset) + " 10 02 00 01 00", refused(1));
 }
 
 TEST_F(HandsetUimTest, WiringAndProfilesOutliveEveryRestartAndChannelsNone) {
@@ -240,36 +224,6 @@ TEST_F(HandsetUimTest, IndicatesBeforeItAnswers) {
         EXPECT_EQ(text_of(client.receive().value_or(Bytes())), normal(packet));
         if (packet[1] == '4') {
             EXPECT_EQ(text_of(other.receive().value_or(Bytes())), normal(packet));
-        }
-    }
-}
-
-TEST_F(HandsetUimTest, RefusesAProfileWithItsPlace) {
-    const struct {
-        const char* text;
-        const char* line;
-    } rows[] = {
-        {R"({"euicc": {"profiles": ["890010123456789012x"]}})",
-         "p: /euicc/profiles: \"890010123456789012x\" is not an ICCID of 18 to 20 digits"},
-        {R"({"euicc": {"eid": "8"}})",
-         "p: /euicc/eid: expected at most 255 bytes as hexadecimal pairs (\"01 02 FF\"), found \"8\""},
-        {R"({"uim": {"indications": [{}]}})", "p: /uim/indications/0: the key \"before\" is missing"},
-        {R"({"euicc": {"profiles": ["8900101234567890123", {"iccid": "8900101234567890123"}]}})",
-         "p: /euicc/profiles: the ICCID \"8900101234567890123\" stands twice"},
-        {R"({"euicc": {"profiles": [7]}})", "p: /euicc/profiles/0: expected a text or an object, found 7"},
-        {R"({"cards": {"slots": [{"files": {"3F00/2FE2/1": "00"}}]}})",
-         "p: /cards/slots/0/files/3F00~12FE2~11: no place for a file (\"3F00/2FE2\", \"3F00/7FFF/6F46\")"},
-        {R"({"cards": {"slots": [{"pin": "123"}]}})",
-         "p: /cards/slots/0/pin: \"123\" is not a code of 4 to 8 digits"},
-        {R"({"cards": {"slots": [{"error": 256}]}})",
-         "p: /cards/slots/0/error: expected a whole number from 0 to 255, found 256"},
-    };
-    for (const auto& row : rows) {
-        try {
-            handset::parse_profile(row.text, "p");
-            ADD_FAILURE() << "accepted: " << row.text;
-        } catch (const handset::ProfileError& error) {
-            EXPECT_STREQ(error.what(), row.line);
         }
     }
 }

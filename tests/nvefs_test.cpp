@@ -90,16 +90,12 @@ TEST_F(NvEfsTest, Refusals) {
         {[&] { return kelvra_efs_delete(2, p, 5); }, -104, "sub invalid"},
         {[&] { return kelvra_efs_delete(0, nullptr, 0); }, -105, "efs_path is null"},
         {[&] { return kelvra_efs_read(0, p, 72, nullptr, &len); }, -106, "len invalid"},
-        {[&] { return kelvra_efs_write(0, p, 0, buf, 1); }, -106, "len invalid"},
         {[&] { return kelvra_efs_delete(0, p, -1); }, -106, "len invalid"},
         {[&] { return kelvra_efs_read(0, p, 71, nullptr, nullptr); }, -107, "buf is null"},
         {[&] { return kelvra_efs_write(0, p, 71, nullptr, 102410); }, -107, "buf is null"},
         {[&] { return kelvra_efs_read(0, p, 71, buf, nullptr); }, -108, "p_buf_len is null"},
         {[&] { return kelvra_efs_read(0, p, 71, buf, &none); }, -108, "buf_len is invalid"},
         {[&] { return kelvra_efs_write(0, p, 71, buf, 102410); }, -108, "buf_len is invalid"},
-        {[&] { return kelvra_nv_read(0, 7233, buf, &len); }, -109, "nv_id is out range(7232)"},
-        {[&] { return kelvra_nv_write_ex(0, -1, buf, 1); }, -109, "nv_id is out range(7232)"},
-        {[&] { return kelvra_nv_delete(0, 65537); }, -109, "nv_id is out range(7232)"},
         {[&] { return kelvra_nv_write_ex(0, 1, buf, 366); }, -108, "buf_len is invalid"},
     };
     for (const auto& c : cases) {

@@ -115,3 +115,24 @@ Statistics, diag.
   /diag/streams/0/event: expected a whole number from 0 to 127, found 128
   /diag/streams/0/after: expected a whole number from 1 to 10 or one of "open", "remote_mask", "switch_logging", "send", "dci_register", "dci_signal", "dci_support", "dci_streams", "dci_send", "dci_release", found "dci"
   /diag/streams/0/after: expected a whole number from 1 to 10, found 11
+
+Cards.
+
+  $ refused <<'END'
+  > {"euicc": {"profiles": ["890010123456789012x"]}}
+  > {"euicc": {"eid": "8"}}
+  > {"uim": {"indications": [{}]}}
+  > {"euicc": {"profiles": ["8900101234567890123", {"iccid": "8900101234567890123"}]}}
+  > {"euicc": {"profiles": [7]}}
+  > {"cards": {"slots": [{"files": {"3F00/2FE2/1": "00"}}]}}
+  > {"cards": {"slots": [{"pin": "123"}]}}
+  > {"cards": {"slots": [{"error": 256}]}}
+  > END
+  /euicc/profiles: "890010123456789012x" is not an ICCID of 18 to 20 digits
+  /euicc/eid: expected at most 255 bytes as hexadecimal pairs ("01 02 FF"), found "8"
+  /uim/indications/0: the key "before" is missing
+  /euicc/profiles: the ICCID "8900101234567890123" stands twice
+  /euicc/profiles/0: expected a text or an object, found 7
+  /cards/slots/0/files/3F00~12FE2~11: no place for a file ("3F00/2FE2", "3F00/7FFF/6F46")
+  /cards/slots/0/pin: "123" is not a code of 4 to 8 digits
+  /cards/slots/0/error: expected a whole number from 0 to 255, found 256
