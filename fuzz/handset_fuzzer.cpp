@@ -17,8 +17,10 @@
 #include "handset.h"
 #include "input.h"
 #include "modem_statistics_v01.h"
+#include "profile.h"
 #include "qmi_codec.h"
 #include "sar_v01.h"
+#include "subjects.h"
 #include "user_identity_module_v01.h"
 #include "wire.h"
 

@@ -4,6 +4,7 @@
 #include "error.h"
 #include "finding.h"
 #include "profile.h"
+#include "subjects.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     try {

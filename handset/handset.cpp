@@ -6,11 +6,11 @@
 
 namespace handset {
 
-Handset::Handset(EventLoop& loop, const std::string& folder, Profile profile,
+Handset::Handset(EventLoop& loop, const std::string& folder, const Profile& profile,
                  std::vector<std::unique_ptr<Transport>> transports)
-    : profile_(std::move(profile)),
-      core_(std::make_unique<Core>(loop, folder, profile_.modem, profile_.faults, std::move(transports))),
-      subjects_(std::make_unique<Subjects>(*core_, profile_)) {
+    : profile_(std::make_unique<const Profile>(profile)),
+      core_(std::make_unique<Core>(loop, folder, profile.modem, profile.faults, std::move(transports))),
+      subjects_(std::make_unique<Subjects>(*core_, *profile_)) {
     core_->start();
 }
 

@@ -5,12 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "event_loop.h"
-#include "profile.h"
-
 namespace handset {
 
 class Core;
+class EventLoop;
+struct Profile;
 struct Subjects;
 class Transport;
 
@@ -18,7 +17,7 @@ class Handset {
 public:
     /// Takes the folder, puts all subjects in, and publishes them in it and on the further transports. Throws
     /// Error when the folder cannot be used.
-    Handset(EventLoop& loop, const std::string& folder, Profile profile,
+    Handset(EventLoop& loop, const std::string& folder, const Profile& profile,
             std::vector<std::unique_ptr<Transport>> transports = {});
     ~Handset();
     Handset(const Handset&) = delete;
@@ -32,7 +31,7 @@ public:
     std::string at_notice() const;
 
 private:
-    const Profile profile_;
+    const std::unique_ptr<const Profile> profile_;
     const std::unique_ptr<Core> core_;
     const std::unique_ptr<Subjects> subjects_;
 };

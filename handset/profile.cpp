@@ -6,10 +6,11 @@
 #include <array>
 #include <cerrno>
 
+#include "subjects.h"
+
 namespace handset {
 namespace {
 
-constexpr size_t kMostFaults = 1000;
 // What comes out of a pipe or a device may have no end.
 constexpr size_t kLongestProfile = 16 * 1024 * 1024;
 
@@ -17,20 +18,7 @@ constexpr size_t kLongestProfile = 16 * 1024 * 1024;
 
 Profile parse_profile(const std::string& text, const std::string& name) {
     Profile profile;
-    read_sections(text, name, [&profile](Section& root) {
-        root.object("modem", [&](Section& section) { read_profile(section, profile.modem); });
-        root.object("efs", [&](Section& section) { read_profile(section, profile.efs); });
-        root.object("cards", [&](Section& section) { read_profile(section, profile.cards); });
-        root.object("euicc", [&](Section& section) { read_profile(section, profile.euicc); });
-        root.object("uim", [&](Section& section) { read_profile(section, profile.uim); });
-        root.object("statistics", [&](Section& section) { read_profile(section, profile.statistics); });
-        root.object("debug", [&](Section& section) { read_profile(section, profile.debug); });
-        root.object("sar", [&](Section& section) { read_profile(section, profile.sar); });
-        root.object("at", [&](Section& section) { read_profile(section, profile.at); });
-        root.object("diag", [&](Section& section) { read_profile(section, profile.diag); });
-        root.list("faults", kMostFaults,
-                  [&](Section& section) { read_profile(section, profile.faults.emplace_back()); });
-    });
+    read_sections(text, name, [&profile](Section& root) { read_profile(root, profile); });
     return profile;
 }
 

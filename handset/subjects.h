@@ -1,6 +1,8 @@
-// What the handset is made of: one line a subject. A subject is given the core, its own section of the
-// profile, and those of the others that it speaks to, which stand above it.
+// The one list of what the handset is made of. A subject is given the core, its own section of the profile,
+// and those of the others that it speaks to, which stand above it.
 #pragma once
+
+#include <vector>
 
 #include "at_channel.h"
 #include "cards.h"
@@ -9,9 +11,10 @@
 #include "diag_port.h"
 #include "dm_port.h"
 #include "extension_service.h"
+#include "fault.h"
 #include "maintenance.h"
 #include "modem_files.h"
-#include "profile.h"
+#include "profile_section.h"
 #include "sar_service.h"
 #include "statistics_debug.h"
 #include "statistics_service.h"
@@ -19,6 +22,37 @@
 #include "uim_sim_access.h"
 
 namespace handset {
+
+/// What a profile tells them; each declares its own section beside its code.
+struct Profile {
+    ModemProfile modem;
+    EfsProfile efs;
+    CardsProfile cards;
+    EuiccProfile euicc;
+    UimProfile uim;
+    StatisticsProfile statistics;
+    DebugProfile debug;
+    SarProfile sar;
+    AtProfile at;
+    DiagProfile diag;
+    std::vector<Fault> faults;
+};
+
+inline void read_profile(Section& root, Profile& profile) {
+    constexpr size_t kMostFaults = 1000;
+    root.section("modem", profile.modem);
+    root.section("efs", profile.efs);
+    root.section("cards", profile.cards);
+    root.section("euicc", profile.euicc);
+    root.section("uim", profile.uim);
+    root.section("statistics", profile.statistics);
+    root.section("debug", profile.debug);
+    root.section("sar", profile.sar);
+    root.section("at", profile.at);
+    root.section("diag", profile.diag);
+    root.list("faults", kMostFaults,
+              [&profile](Section& fault) { read_profile(fault, profile.faults.emplace_back()); });
+}
 
 struct Subjects {
     Subjects(Core& core, const Profile& profile)

@@ -7,7 +7,9 @@
 #include <functional>
 #include <initializer_list>
 #include <limits>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -85,6 +87,12 @@ public:
     /// An object that is a part of its own.
     void object(const char* key, const Read& read);
 
+    /// The same, of a structure that has its own read_profile().
+    template <typename T>
+    void section(const char* key, T& value) {
+        object(key, [&value](Section& section) { read_profile(section, value); });
+    }
+
     /// A list of objects, `read` once for each.
     void list(const char* key, size_t longest, const Read& read);
 
@@ -108,17 +116,34 @@ public:
     /// Refuses the value of a key, or with an empty key the whole section.
     [[noreturn]] void fail(const std::string& key, const std::string& why) const;
 
-    struct Node;
-
 private:
-    friend struct Node;
-    explicit Section(Node& node) : node_(node) {}
+    using Json = nlohmann::json;
+    using ReadEntry = std::function<void(const Json& entry, const std::string& place)>;
+    friend void read_sections(const std::string& text, const std::string& name, const Read& read);
 
+    /// Stands at `place` of a file; both outlive it.
+    Section(const Json& object, const std::string& file, std::string place)
+        : json_(object), file_(file), place_(std::move(place)) {}
+
+    /// Takes a key: its value, or null.
+    const Json* find(const char* key);
+    std::string place_of(const std::string& key) const;
+    [[noreturn]] void refuse(const std::string& place, const std::string& why) const;
+    [[noreturn]] void refuse_value(const std::string& place, const std::string& wanted,
+                                   const Json& found) const;
+
+    void read_object(const Json& value, const std::string& place, const Read& read) const;
+    void entries(const char* key, size_t longest, const char* kind, const ReadEntry& read);
+    template <typename T>
+    T whole_number(const char* key, T value, T lowest, T highest);
     int64_t signed_integer(const char* key, int64_t value, int64_t lowest, int64_t highest);
     uint64_t unsigned_integer(const char* key, uint64_t value, uint64_t lowest, uint64_t highest);
     std::optional<size_t> choice_index(const char* key, const std::vector<const char*>& names);
 
-    Node& node_;
+    const Json& json_;
+    const std::string& file_;
+    const std::string place_;
+    std::set<std::string> known_;
 };
 
 /// Reads a whole profile; `name` is what the lines of a ProfileError call it.

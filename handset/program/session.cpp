@@ -16,9 +16,12 @@
 #include <initializer_list>
 
 #include "error.h"
+#include "event_loop.h"
 #include "handset.h"
 #include "installation.h"
+#include "profile.h"
 #include "qrtr_transport.h"
+#include "subjects.h"
 #include "temporary_folder.h"
 
 namespace handset {
