@@ -1,9 +1,13 @@
 // The handset as its clients see it: bytes on its sockets, files in its folder.
+#include <sys/resource.h>
+
 #include "handset_fixture.h"
 
+#include "event_loop.h"
 #include "folder.h"
+#include "handset.h"
 #include "hex_text.h"
-#include "profile.h"
+#include "subjects.h"
 
 namespace handset_test {
 namespace {
@@ -304,6 +308,27 @@ TEST_F(HandsetTest, KeepsToWhatItBeganAndSaysWhatItDoesNotTake) {
     client.send(Bytes(wire::kQmiPacketMax + 1));
     EXPECT_TRUE(client.request(0, {}));
     EXPECT_NE(stored("log/wire.log")->find(" -> malformed length=65543\n"), std::string::npos);
+}
+
+TEST_F(HandsetTest, AConnectionWaitsForADescriptor) {
+    setenv("VXK_AT_DEVICE", place_.at("smd8").c_str(), 1);
+    handset::EventLoop loop;
+    const handset::Handset handset(loop, place_.at("h"), handset::Profile());
+    const Client client(handset.folder(), "qmi/65508");
+    client.send(wire::encode({wire::kQmiRequest, 1, 2, extension_body(0, {})}));
+    rlimit usual{};
+    getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit none{0, usual.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    loop.drain();  // Without end, if it tried again at once.
+    setrlimit(RLIMIT_NOFILE, &usual);
+    std::optional<Bytes> answer;
+    for (int i = 0; i < 500 && !answer; ++i) {
+        loop.after(std::chrono::milliseconds(10), [&loop] { loop.stop(); });
+        loop.run();
+        answer = client.receive(0);
+    }
+    EXPECT_TRUE(answer);
 }
 
 TEST_F(HandsetTest, TheWireLogTellsWhatIsOddAndWhatWasSpoilt) {
