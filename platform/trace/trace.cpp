@@ -348,6 +348,10 @@ std::unique_ptr<Connection> connection_to(std::optional<uint16_t> service) {
 
 }  // namespace
 
+bool is_on() {
+    return file() != nullptr;
+}
+
 std::unique_ptr<Connection> Connection::to_service(uint16_t service) {
     return connection_to(service);
 }

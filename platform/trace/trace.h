@@ -15,6 +15,9 @@
 
 namespace trace {
 
+/// Whether VXK_TRACE asks for a trace and its file can be written. Any thread.
+bool is_on();
+
 /// One connection. It is in the trace from its first packet on. Any thread.
 class Connection {
 public:

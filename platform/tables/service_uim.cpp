@@ -1,4 +1,5 @@
 #include "service_tables.h"
+#include "tables.h"
 #include "user_identity_module_v01.h"
 
 namespace seam {
@@ -166,12 +167,8 @@ constexpr qmi_idl_service_object kService = service(UIM_SERVICE_ID, kMessages);
 
 }  // namespace
 
-}  // namespace seam
-
-extern "C" qmi_idl_service_object_type uim_get_service_object_internal_v01(int32_t idl_major,
-                                                                           int32_t idl_minor,
-                                                                           int32_t library) {
-    const bool known = idl_major == UIM_V01_IDL_MAJOR_VERS && idl_minor == UIM_V01_IDL_MINOR_VERS &&
-                       library == UIM_V01_IDL_TOOL_VERS;
-    return known ? &seam::kService : nullptr;
+qmi_idl_service_object_type uim_table() {
+    return &kService;
 }
+
+}  // namespace seam

@@ -1,5 +1,6 @@
 #include "sar_v01.h"
 #include "service_tables.h"
+#include "tables.h"
 
 namespace seam {
 
@@ -20,12 +21,8 @@ constexpr qmi_idl_service_object kService = service(SAR_SERVICE_ID, kMessages);
 
 }  // namespace
 
-}  // namespace seam
-
-extern "C" qmi_idl_service_object_type sar_get_service_object_internal_v01(int32_t idl_major,
-                                                                           int32_t idl_minor,
-                                                                           int32_t library) {
-    const bool known = idl_major == SAR_V01_IDL_MAJOR_VERS && idl_minor == SAR_V01_IDL_MINOR_VERS &&
-                       library == SAR_V01_IDL_TOOL_VERS;
-    return known ? &seam::kService : nullptr;
+qmi_idl_service_object_type sar_table() {
+    return &kService;
 }
+
+}  // namespace seam

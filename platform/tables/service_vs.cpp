@@ -1,5 +1,6 @@
 #include "modem_statistics_v01.h"
 #include "service_tables.h"
+#include "tables.h"
 
 namespace seam {
 
@@ -90,12 +91,8 @@ constexpr qmi_idl_service_object kService = service(VS_SERVICE_ID, kMessages);
 
 }  // namespace
 
-}  // namespace seam
-
-extern "C" qmi_idl_service_object_type vs_get_service_object_internal_v01(int32_t idl_major,
-                                                                          int32_t idl_minor,
-                                                                          int32_t library) {
-    const bool known = idl_major == VS_V01_IDL_MAJOR_VERS && idl_minor == VS_V01_IDL_MINOR_VERS &&
-                       library == VS_V01_IDL_TOOL_VERS;
-    return known ? &seam::kService : nullptr;
+qmi_idl_service_object_type statistics_table() {
+    return &kService;
 }
+
+}  // namespace seam

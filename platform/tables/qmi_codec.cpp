@@ -252,12 +252,3 @@ bool decode_message(const qmi_idl_message& message, View body, void* structure) 
 }
 
 }  // namespace seam
-
-extern "C" int32_t qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type service,
-                                                    qmi_idl_type_of_message_type type, uint16_t message_id,
-                                                    uint32_t* c_struct_len) {
-    const qmi_idl_message* message = seam::find_message(service, type, message_id);
-    if (c_struct_len)
-        *c_struct_len = message ? message->c_struct_len : 0;
-    return message && c_struct_len ? 0 : -1;
-}
