@@ -287,7 +287,8 @@ void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& loc
     lock.unlock();
     epoll_event happened{};
     const int count = epoll_wait(epoll_.get(), &happened, 1, trace_ ? kTraceDelay : -1);
-    flush_trace();
+    if (trace_)
+        trace_->flush_when_quiet();
     eventfd_t wakes = 0;
     eventfd_read(wake_.get(), &wakes);
     lock.lock();

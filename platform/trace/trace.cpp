@@ -139,6 +139,7 @@ public:
     void add(Note note) {
         const std::lock_guard<std::mutex> lock(mutex_);
         notes_.push_back(std::move(note));
+        ++added_;
     }
 
     void flush() {
@@ -158,13 +159,23 @@ public:
         }
     }
 
+    void flush_when_quiet() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            if (std::exchange(seen_, added_) != added_ && notes_.size() < kNotesMax)
+                return;
+        }
+        flush();
+    }
+
 private:
     using Clock = std::chrono::steady_clock;
 
     // How much of the time goes into lines that somebody waits for: a few lines of a short command, and of a
     // long one a part that nobody notices.
-    static constexpr std::chrono::microseconds kFreeTime{60};
-    static constexpr int kPartOfTime = 50;
+    static constexpr std::chrono::microseconds kFreeTime{40};
+    static constexpr int kPartOfTime = 100;
+    static constexpr size_t kNotesMax = 2048;
 
     /// False when there is nothing to write.
     bool write_next() {
@@ -205,6 +216,8 @@ private:
     Clock::duration spent_{0};
     std::mutex mutex_;  // guards all that follows
     std::deque<Note> notes_;
+    uint64_t added_ = 0;  // notes, ever, and as flush_when_quiet() saw them last
+    uint64_t seen_ = 0;
     std::set<Connection*> open_;
     std::map<std::optional<uint16_t>, uint32_t> connections_;
 };
@@ -287,6 +300,7 @@ public:
 
     void flush() override { file_.flush(); }
     void flush_in_passing() override { file_.flush_in_passing(); }
+    void flush_when_quiet() override { file_.flush_when_quiet(); }
 
 private:
     struct Open {

@@ -2,8 +2,8 @@
 // json_line.h. A line is one write, so that several processes can share a file.
 //
 // A packet is only noted when it passes, because its line costs as much as a quick exchange. Lines are made
-// and written on a thread that has nothing else to do, and by who waits for the modem as far as that takes a
-// small part of the time: so what a lone exchange told is in the file when its answer is read.
+// and written once it is quiet, and before that, as far as it takes a small part of the time, by who waits
+// for the modem: so what a lone exchange told is in the file when its answer is read.
 #pragma once
 
 #include <cstdint>
@@ -44,6 +44,10 @@ public:
 
     /// Writes what may be written while somebody waits.
     virtual void flush_in_passing() = 0;
+
+    /// Writes all, if nothing has been noted since the last call, or too much is kept: for a thread that
+    /// looks from time to time. What passes quickly would be slowed down by it.
+    virtual void flush_when_quiet() = 0;
 };
 
 }  // namespace trace
