@@ -1,6 +1,5 @@
 #include "platform_test.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <regex>
@@ -42,14 +41,4 @@ std::string mask_lines(const std::string& text) {
 
 std::string without_sites(const std::string& text) {
     return std::regex_replace(text, std::regex("RIL\\[[^:]*:\\d+\\]: "), "");
-}
-
-std::string without_lines(const std::string& text, const std::string& prefix) {
-    std::string rest;
-    for (size_t start = 0, end = 0; start < text.size(); start = end) {
-        end = std::min(text.find('\n', start), text.size() - 1) + 1;
-        if (text.compare(start, prefix.size(), prefix) != 0)
-            rest.append(text, start, end - start);
-    }
-    return rest;
 }

@@ -29,6 +29,3 @@ std::string mask_lines(const std::string& text);
 
 /// Text with what stands before the messages of log lines, "RIL[function:line]: ", taken off.
 std::string without_sites(const std::string& text);
-
-/// Text without its lines that start with `prefix`.
-std::string without_lines(const std::string& text, const std::string& prefix);

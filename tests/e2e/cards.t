@@ -79,6 +79,30 @@ A handset with one slot, and one without; a modem that refuses is no error of th
   data: 38 00 00 00 04 00 00 00 00 00 00 00
   kelvra_cmn_card_hotswap_test | opt: 1 | param(cnt: 4): |  1 1 1 1 | kelvra_cmn_cmd_send, t: 80, l: 16 | result = 0, rsp.result = -22 | rsp.result fail
 
+Answers as the modem may cut or stretch them, by their result, their length, and how many bytes come. A length without sense is fatal.
+
+  $ word() { printf '%08X' $(($1 & 0xffffffff)) | sed -E 's/(..)(..)(..)(..)/\4\3\2\1/'; }
+  $ lie() { payload=ABABABAB$(word $1)ABABABAB$(word $2)$(printf 'AB%.0s' {1..492})
+  >   printf ',{"service": "extension", "action": "payload", "bytes": "%s"}' "${payload:0:$((2 * $3))}"; }
+  $ lies="$(lie 0 1 17; lie 0 492 508; lie -9 1 508; lie -9 0 8; lie 0 -9 16; lie 0 1 16; lie 0 492 507; lie 0 0 15; lie -1 0 7
+  >   lie 0 0 0; lie 0 -8 16; lie 0 -1 16; lie 0 493 16; lie 0 2147483647 16)"
+  $ boot "{\"faults\": [${lies#,}]}"
+  $ for lie in {1..14}; do command vxk 5 2 0 2>&1 | aborted | grep -aoE '^(result|data|kelvra_extend_qmi_send_sync f|rsp|vxk).*' | folded | cut -c 1-120; done
+  result = 0, rsp.result = 0 | data len(9) | data: AB AB AB AB 01 00 00 00 AB
+  result = 0, rsp.result = 0 | data len(500) | data: AB AB AB AB EC 01 00 00 AB AB AB AB AB AB AB AB AB AB AB AB AB AB AB 
+  result = 0, rsp.result = -9 | rsp.result fail
+  result = 0, rsp.result = -9 | rsp.result fail
+  result = 0, rsp.result = 0 | data len(-1) | data:
+  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
+  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
+  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
+  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
+  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
+  result = 0, rsp.result = 0 | vxk: fatal: response length word -8
+  result = 0, rsp.result = 0 | vxk: fatal: response length word -1
+  result = 0, rsp.result = 0 | vxk: fatal: response dump of 501 bytes, at most 500 are printed
+  result = 0, rsp.result = 0 | vxk: fatal: response dump of 2147483655 bytes, at most 500 are printed
+
 Wrong numbers of inputs send nothing.
 
   $ asked > /dev/null; for words in 2 "1 x" 6 "6 1 5"; do answer 5 $words | helpless | folded; done
