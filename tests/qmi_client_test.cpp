@@ -403,37 +403,24 @@ TEST_P(QmiBus, ListsEveryInstanceLowestFirst) {
 }
 
 TEST_P(QmiBus, KnowsWhoSpeaksAndWhoEnds) {
-    using Seat = FakeBus::Seat;
-    const Bytes end = wire::Writer().u32(QRTR_TYPE_DEL_SERVER).u32(17).u32(1).u32(0).u32(7).take();
+    const auto word = [](uint32_t command, uint32_t id, uint32_t instance, host::QrtrAddress about) {
+        return wire::Writer().u32(command).u32(id).u32(instance).u32(about.node).u32(about.port).take();
+    };
+    const Bytes end = word(QRTR_TYPE_DEL_SERVER, 17, 1, {0, 7});
     const struct {
         const char* name;
-        std::function<void(const Seat&)> act;
+        host::QrtrAddress sender;
+        Bytes packet;
         bool ends;
     } rows[] = {
-        {"a stranger's answer",
-         [&](const Seat& seat) {
-             seat.send({0, 8}, Bytes{2, 1, 0, 2, 0, 0, 0});
-         },
-         false},
-        {"another server's end",
-         [](const Seat& seat) {
-             seat.tell(QRTR_TYPE_DEL_SERVER, 17, 1, {0, 8});
-         },
-         false},
-        {"another node's end", [](const Seat& seat) { seat.tell(QRTR_TYPE_BYE, 2, 0, {}); }, false},
-        {"a stranger's word",
-         [&](const Seat& seat) {
-             seat.send({2, QRTR_PORT_CTRL}, end);
-         },
-         false},
-        {"half a word",
-         [&](const Seat& seat) {
-             seat.send(FakeBus::kNames, {end.data(), 19});
-         },
-         false},
-        {"its end", [&](const Seat& seat) { seat.send(FakeBus::kNames, end); }, true},
-        {"its node's end", [](const Seat& seat) { seat.tell(QRTR_TYPE_BYE, 0, 0, {}); }, true},
-        {"a reset of the bus", [](const Seat& seat) { seat.send(FakeBus::kReset, {}); }, true},
+        {"a stranger's answer", {0, 8}, {2, 1, 0, 2, 0, 0, 0}, false},
+        {"another server's end", FakeBus::kNames, word(QRTR_TYPE_DEL_SERVER, 17, 1, {0, 8}), false},
+        {"another node's end", FakeBus::kNames, word(QRTR_TYPE_BYE, 2, 0, {}), false},
+        {"a stranger's word", {2, QRTR_PORT_CTRL}, end, false},
+        {"half a word", FakeBus::kNames, Bytes(end.begin(), end.end() - 1), false},
+        {"its end", FakeBus::kNames, end, true},
+        {"its node's end", FakeBus::kNames, word(QRTR_TYPE_BYE, 0, 0, {}), true},
+        {"a reset of the bus", FakeBus::kReset, {}, true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -441,7 +428,7 @@ TEST_P(QmiBus, KnowsWhoSpeaksAndWhoEnds) {
         connect_with_error_cb();
         auto result = ask_in_thread(&response);
         const Bytes request = peer->receive();
-        row.act(FakeBus::get().newest());
+        FakeBus::get().newest().send(row.sender, row.packet);
         peer->send(answer_to(request, sar_body(1)));
         EXPECT_EQ(result.get(), row.ends ? QMI_SERVICE_ERR : QMI_NO_ERR);
         EXPECT_EQ(callbacks.all().size(), row.ends ? 1U : 0U);
