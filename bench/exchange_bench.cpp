@@ -19,6 +19,7 @@
 #include "kelvra_extend_nvefs.h"
 #include "kelvra_log.h"
 #include "qmi_client.h"
+#include "sides.h"
 #include "wire.h"
 
 namespace bench {
@@ -29,7 +30,7 @@ constexpr uint16_t kServiceId = 65508;
 constexpr uint16_t kMessageId = 2;
 constexpr size_t kPayloadMax = 512;
 constexpr size_t kPayloadAt = 7 + 7 + 7 + 3;
-constexpr size_t kRequestSize = kPayloadAt + kPayloadMax;
+static_assert(kRequestSize == kPayloadAt + kPayloadMax);
 
 // What a modem sends of a file in one exchange, behind the head of its payload.
 constexpr size_t kChunk = 414;
@@ -159,11 +160,14 @@ constexpr qmi_idl_element kElements[] = {number_element(1, offsetof(Message, id)
                                          number_element(2, offsetof(Message, data_len)), data_element()};
 constexpr qmi_idl_message kMessages[] = {{QMI_IDL_REQUEST, kMessageId, sizeof(Message), kElements, 3},
                                          {QMI_IDL_RESPONSE, kMessageId, sizeof(Message), kElements, 3}};
-constexpr qmi_idl_service_object kService = {6, 1, kServiceId, 529, kMessages, 2};
 
-Side library_side() {
+}  // namespace
+
+Side library_side(uint32_t service_id) {
+    static qmi_idl_service_object service = {6, 1, 0, 529, kMessages, 2};
+    service.service_id = service_id;
     qmi_client_type client = nullptr;
-    if (qmi_client_init_instance(&kService, QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, nullptr, 1000,
+    if (qmi_client_init_instance(&service, QMI_CLIENT_INSTANCE_ANY, nullptr, nullptr, nullptr, 1000,
                                  &client) != QMI_NO_ERR)
         give_up("the Linux library finds no service");
     const auto exchange = [client] {
@@ -175,6 +179,8 @@ Side library_side() {
     };
     return {"exchange through the library", exchange};
 }
+
+namespace {
 
 /// A whole read of a file of the modem; its parts are the exchanges.
 Side read_side(const std::string& what, uint32_t length) {
@@ -209,7 +215,7 @@ constexpr double kWithHandsetLimit = 4;
 
 void compare_exchanges(Table& table) {
     publish_modem(ready_modem(kFileLength));
-    table.compare(library_side(), ping_pong_side(kRequestSize, kRequestSize), 1.5);
+    table.compare(library_side(kServiceId), ping_pong_side(kRequestSize, kRequestSize), 1.5);
 
     const Side floor = ping_pong_side(kRequestSize, kChunkAnswerSize);
     const int state = g_adb_log_state.exchange(0);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "benches.h"
+#include "sides.h"
 
 namespace bench {
 namespace {
@@ -54,8 +55,8 @@ std::string output_of(const Command& command) {
     return output;
 }
 
-Command vxk(const std::string& words) {
-    Command command{VXK_PROGRAM};
+Command command_of(const std::string& program, const std::string& words) {
+    Command command{program};
     for (size_t start = 0; start < words.size();) {
         const size_t end = std::min(words.find(' ', start), words.size());
         command.push_back(words.substr(start, end - start));
@@ -64,33 +65,37 @@ Command vxk(const std::string& words) {
     return command;
 }
 
+Command vxk(const std::string& words) {
+    return command_of(VXK_PROGRAM, words);
+}
+
 void run_silently(const Command& command) {
     run(command, STDOUT_FILENO);
 }
 
-/// A command of the tool that must have printed `answer`: how fast it fails is of no interest.
-Side command_side(const std::string& words, const std::string& answer) {
-    const Command command = vxk(words);
+}  // namespace
+
+Side command_side(const std::string& program, const std::string& words, const std::string& answer) {
+    const Command command = command_of(program, words);
+    const std::string name = program.substr(program.rfind('/') + 1) + " " + words;
     const std::string output = output_of(command);
     if (output.find(answer) == std::string::npos)
-        give_up("vxk " + words + " does not print \"" + answer + "\":\n" + output);
-    return {"vxk " + words, [command] { run_silently(command); }};
+        give_up(name + " does not print \"" + answer + "\":\n" + output);
+    return {name, [command] { run_silently(command); }};
 }
-
-}  // namespace
 
 void compare_processes(Table& table) {
     const Side empty{"empty C program", [] { run_silently({EMPTY_PROGRAM}); }};
     run_silently(vxk("4 5 0 /nv/item_files/bench 1 2 255"));
-    const Side read_file = command_side("4 4 0 /nv/item_files/bench", "data:  01 02 FF");
+    const Side read_file = command_side(VXK_PROGRAM, "4 4 0 /nv/item_files/bench", "data:  01 02 FF");
 
     constexpr double kMebibyte = 1024;  // ru_maxrss counts in KiB
     const Outcome once = run(vxk("4 4 0 /nv/item_files/bench"), STDOUT_FILENO);
     table.row("its peak memory", static_cast<double>(once.usage.ru_maxrss) / kMebibyte, "the limit", 8, "MB",
               1);
     table.compare(read_file, empty, 4);
-    table.compare(command_side("5 0 0 0 3000 0x00", "rsp data len("), empty, 5);
-    table.compare(command_side("9 7 0", "ASDIV DATA: "), empty, 5);
+    table.compare(command_side(VXK_PROGRAM, "5 0 0 0 3000 0x00", "rsp data len("), empty, 5);
+    table.compare(command_side(VXK_PROGRAM, "9 7 0", "ASDIV DATA: "), empty, 5);
 }
 
 }  // namespace bench
