@@ -128,7 +128,7 @@ CardAnswer Card::select(uint8_t number, const Apdu& apdu) {
     if (apdu.p1 == kByName)
         return select_name(channel, apdu);
 
-    std::optional<size_t> place;
+    size_t place = kNoFile;
     switch (apdu.p1) {
         case kById:
         case kByChild:
@@ -137,11 +137,11 @@ CardAnswer Card::select(uint8_t number, const Apdu& apdu) {
             else if (apdu.data.size != 2)
                 return kSwWrongLength;
             else if (apdu.p1 == kById)
-                place = by_id(channel, id_at(apdu.data, 0));
+                place = by_id(channel, id_at(apdu.data, 0)).value_or(kNoFile);
             else
-                place = files_.child(channel.directory, id_at(apdu.data, 0));
-            if (apdu.p1 == kByChild && place && files_.at(*place).kind != FileKind::kDirectory)
-                place.reset();
+                place = files_.child(channel.directory, id_at(apdu.data, 0)).value_or(kNoFile);
+            if (apdu.p1 == kByChild && place != kNoFile && files_.at(place).kind != FileKind::kDirectory)
+                place = kNoFile;
             break;
         case kByParent:
             if (apdu.data.size != 0)
@@ -152,20 +152,21 @@ CardAnswer Card::select(uint8_t number, const Apdu& apdu) {
         case kByPath:
             if (apdu.data.size == 0 || apdu.data.size % 2 != 0)
                 return kSwWrongLength;
-            place = by_path(channel, apdu.p1 == kByPath ? channel.directory : CardFiles::kMaster, apdu.data);
+            place = by_path(channel, apdu.p1 == kByPath ? channel.directory : CardFiles::kMaster, apdu.data)
+                        .value_or(kNoFile);
             break;
         default:
             return kSwWrongParameters;
     }
-    if (!place)
+    if (place == kNoFile)
         return kSwFileNotFound;
     channel.applet = false;
-    if (!files_.at(*place).name.empty())
-        channel.application = *place;
-    enter(channel, *place);
+    if (!files_.at(place).name.empty())
+        channel.application = place;
+    enter(channel, place);
     if (wanted == kReturnNothing)
         return kSwOk;
-    return file_control_parameters(files_, *place, pin_);
+    return file_control_parameters(files_, place, pin_);
 }
 
 CardAnswer Card::status(uint8_t number, const Apdu& apdu) {
