@@ -365,6 +365,11 @@ A channel that the service refuses and yet numbers is none.
   value=FAILED
   uim 66
 
+Nor is an EID one that comes with a refusal.
+
+  $ boot "{\"faults\": [{\"service\": \"uim\", \"message\": 101, \"hits\": 0, \"action\": \"tlvs\", \"bytes\": \"02 0400 01000300 10 1100 10 $(printf 89%.0s {1..16})\"}]}"; quiet 3
+  value=FAILED
+
 Any number but 0 as debug_on lets the log be printed, and what is no number is 0.
 
   $ boot
