@@ -1,10 +1,39 @@
 #include "hex_text.h"
 
+#include <cstring>
+
 namespace handset {
 namespace {
 
 constexpr char kDigits[] = "0123456789ABCDEF";
 constexpr size_t kZeroTail = 8;
+
+constexpr size_t kWidth = 3;
+
+// Every byte as "00 " to "FF ", in a size that is copied as one word; the fourth character is of no account.
+struct Pairs {
+    char text[256][4] = {};
+
+    constexpr Pairs() {
+        for (size_t byte = 0; byte < 256; ++byte) {
+            text[byte][0] = kDigits[byte >> 4];
+            text[byte][1] = kDigits[byte & 15];
+            text[byte][2] = ' ';
+        }
+    }
+};
+constexpr Pairs kPairs;
+
+// How many bytes there are before the zeros at the end.
+size_t without_zeros(wire::View bytes) {
+    constexpr uint8_t kZeros[32] = {};
+    size_t size = bytes.size;
+    while (size >= sizeof kZeros && memcmp(bytes.data + size - sizeof kZeros, kZeros, sizeof kZeros) == 0)
+        size -= sizeof kZeros;
+    while (size > 0 && bytes.data[size - 1] == 0)
+        --size;
+    return size;
+}
 
 int digit_value(char digit) {
     if (digit >= '0' && digit <= '9')
@@ -24,24 +53,19 @@ void append_byte(std::string& out, uint8_t byte) {
 }  // namespace
 
 void append_hex(std::string& out, wire::View bytes) {
-    size_t shown = bytes.size;
-    while (shown > 0 && bytes.data[shown - 1] == 0)
-        --shown;
+    size_t shown = without_zeros(bytes);
     size_t zeros = bytes.size - shown;
     if (zeros < kZeroTail) {
         shown = bytes.size;
         zeros = 0;
     }
-    // Every message goes through here on its way into the wire log: one growth, no bounds in the loop.
+    // Every message goes through here on its way into the wire log: one growth, with room for the last word.
     const size_t start = out.size();
-    out.resize(start + shown * 3, ' ');
+    out.resize(start + shown * kWidth + 1);
     char* next = out.data() + start;
-    for (size_t i = 0; i < shown; ++i, next += 3) {
-        next[0] = kDigits[bytes.data[i] >> 4];
-        next[1] = kDigits[bytes.data[i] & 15];
-    }
-    if (shown > 0)
-        out.pop_back();
+    for (size_t i = 0; i < shown; ++i, next += kWidth)
+        memcpy(next, kPairs.text[bytes.data[i]], sizeof kPairs.text[0]);
+    out.resize(start + shown * kWidth - (shown > 0 ? 1 : 0));
     if (zeros > 0)
         out += (shown > 0 ? " (+" : "(+") + std::to_string(zeros) + " zero)";
 }

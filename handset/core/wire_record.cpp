@@ -5,17 +5,24 @@
 namespace handset {
 namespace {
 
-void append_number(std::string& out, uint64_t value, size_t width) {
-    char bytes[8];
-    for (size_t i = 0; i < width; ++i)
-        bytes[i] = static_cast<char>(value >> (8 * i));
-    out.append(bytes, width);
-}
+// Little-endian numbers, a few at a time.
+class Numbers {
+public:
+    Numbers& number(uint64_t value, size_t width) {
+        for (size_t i = 0; i < width; ++i)
+            bytes_[size_++] = static_cast<char>(value >> (8 * i));
+        return *this;
+    }
+    std::string_view text() const { return {bytes_, size_}; }
+
+private:
+    char bytes_[32] = {};
+    size_t size_ = 0;
+};
 
 void append_text(std::string& out, std::string_view text, size_t width) {
     const size_t size = std::min<size_t>(text.size(), (size_t{1} << (8 * width)) - 1);
-    append_number(out, size, width);
-    out.append(text.data(), size);
+    out.append(Numbers().number(size, width).text()).append(text, 0, size);
 }
 
 std::string_view text_of(wire::View bytes) {
@@ -26,21 +33,17 @@ std::string_view text_of(wire::View bytes) {
 
 void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet) {
     const size_t start = out.size();
-    append_number(out, 0, 4);
-    append_number(out, static_cast<uint64_t>(time.tv_sec), 8);
-    append_number(out, static_cast<uint64_t>(time.tv_nsec), 4);
-    append_number(out, static_cast<uint8_t>(record.direction), 1);
-    append_number(out, record.connection, 4);
-    append_number(out, static_cast<uint32_t>(record.pid), 4);
-    append_number(out, record.number, 4);
+    Numbers head;
+    head.number(0, 4).number(static_cast<uint64_t>(time.tv_sec), 8);
+    head.number(static_cast<uint64_t>(time.tv_nsec), 4).number(static_cast<uint8_t>(record.direction), 1);
+    head.number(record.connection, 4).number(static_cast<uint32_t>(record.pid), 4).number(record.number, 4);
+    out.append(head.text());
     append_text(out, record.where, 1);
     append_text(out, record.fault, 1);
     append_text(out, record.event, 1);
     append_text(out, record.command, 2);
     out.append(text_of(packet));
-    std::string length;
-    append_number(length, out.size() - start - 4, 4);
-    out.replace(start, 4, length);
+    out.replace(start, 4, Numbers().number(out.size() - start - 4, 4).text());
 }
 
 std::optional<WireRecord> take_record(wire::View& bytes) {
