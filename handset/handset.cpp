@@ -7,10 +7,11 @@
 namespace handset {
 
 Handset::Handset(EventLoop& loop, const std::string& folder, const Profile& profile,
-                 std::vector<std::unique_ptr<Transport>> transports)
+                 std::vector<std::unique_ptr<Transport>> transports, ReplayBook* replay)
     : profile_(std::make_unique<const Profile>(profile)),
       core_(std::make_unique<Core>(loop, folder, profile.modem, profile.faults, std::move(transports))),
       subjects_(std::make_unique<Subjects>(*core_, *profile_)) {
+    core_->set_replay(replay);
     core_->start();
 }
 

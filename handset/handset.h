@@ -10,15 +10,16 @@ namespace handset {
 class Core;
 class EventLoop;
 struct Profile;
+class ReplayBook;
 struct Subjects;
 class Transport;
 
 class Handset {
 public:
     /// Takes the folder, puts all subjects in, and publishes them in it and on the further transports. Throws
-    /// Error when the folder cannot be used.
+    /// Error when the folder cannot be used. What is replayed outlives the handset.
     Handset(EventLoop& loop, const std::string& folder, const Profile& profile,
-            std::vector<std::unique_ptr<Transport>> transports = {});
+            std::vector<std::unique_ptr<Transport>> transports = {}, ReplayBook* replay = nullptr);
     ~Handset();
     Handset(const Handset&) = delete;
     Handset& operator=(const Handset&) = delete;

@@ -139,22 +139,23 @@ void Core::stop() {
     flush();
 }
 
-void Core::restart_modem() {
+void Core::restart_modem(std::optional<std::chrono::milliseconds> away) {
     if (away_)
         return;
     away_ = true;
     // The answer to the request that asked for it is sent when its handler returns.
-    loop_.after(EventLoop::Milliseconds(0), [this] { go_away(); });
+    loop_.after(EventLoop::Milliseconds(0),
+                [this, time = away.value_or(modem_.restart_time)] { go_away(time); });
 }
 
-void Core::go_away() {
+void Core::go_away(std::chrono::milliseconds time) {
     log_event("restart");
     withdraw();
     state_.set("modem", "state", "restarting");
     state_.set("modem", "restarts", ++restarts_);
     for (const auto& action : restart_actions_)
         action();
-    loop_.after(modem_.restart_time, [this] {
+    loop_.after(time, [this] {
         away_ = false;
         state_.set("modem", "state", "up");
         publish();

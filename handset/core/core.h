@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "fault.h"
 #include "folder.h"
 #include "port.h"
+#include "replay.h"
 #include "state_board.h"
 #include "wire_log.h"
 
@@ -41,6 +43,9 @@ public:
     EventLoop& loop() { return loop_; }
     Folder& folder() { return folder_; }
     WireLog& wire_log() { return wire_log_; }
+    /// What is replayed, or null; it lives as long as the handset.
+    ReplayBook* replay() { return replay_; }
+    void set_replay(ReplayBook* book) { replay_ = book; }
     StateBoard& state() { return state_; }
     ConnectionId next_connection() { return ++last_connection_; }
 
@@ -76,8 +81,9 @@ public:
     void stop();
 
     /// Once the request at hand is answered, the modem goes away with all its connections, and comes back
-    /// after the profile's time. A modem that is away already stays away as long as it would have.
-    void restart_modem();
+    /// after the given time or the profile's. A modem that is away already stays away as long as it would
+    /// have.
+    void restart_modem(std::optional<std::chrono::milliseconds> away = {});
     /// False from a request to restart on, until it is done.
     bool is_up() const { return !away_; }
     /// Since the boot.
@@ -87,7 +93,7 @@ public:
 private:
     void publish();
     void withdraw();
-    void go_away();
+    void go_away(std::chrono::milliseconds time);
     void show_faults();
     void indicate(const Control::Words& words);
     std::string control_faults(const Control::Words& words);
@@ -97,6 +103,7 @@ private:
     Folder folder_;
     WireLog wire_log_;
     FaultBook faults_;
+    ReplayBook* replay_ = nullptr;
     StateBoard state_;
     Control control_;
     std::vector<std::unique_ptr<Transport>> transports_;

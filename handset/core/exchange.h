@@ -30,6 +30,9 @@ public:
     virtual wire::Bytes with_payload(wire::View payload) const = 0;
     virtual wire::Bytes with_tlvs(wire::View tlvs) const = 0;
 
+    /// The answer to a request that the modem does not know.
+    virtual wire::Bytes unknown() const = 0;
+
     /// An answer's packet with only the first `keep` bytes behind its header.
     virtual wire::Bytes cut(wire::View packet, size_t keep) const = 0;
 

@@ -79,6 +79,11 @@ ConnectionId Port::next_connection() {
 void Port::opened(Endpoint& endpoint, ConnectionId id, Peer peer) {
     connections_[id] = {&endpoint, std::move(peer), 0};
     connection_opened(id);
+    const ReplayBook::Steps* steps = core_.replay() != nullptr ? core_.replay()->opened(where_) : nullptr;
+    if (steps == nullptr)
+        return;
+    for (const ReplayBook::Step& step : *steps)
+        after(step.delay, [this, id, &step] { play(id, step); });
 }
 
 void Port::received(ConnectionId id, wire::View packet) {
@@ -94,11 +99,15 @@ void Port::received_too_much(ConnectionId id, size_t length) {
 }
 
 void Port::closed(ConnectionId id) {
+    end(id, false);
+}
+
+void Port::end(ConnectionId id, bool by_modem) {
     const auto found = connections_.find(id);
     if (found == connections_.end())
         return;
     if (found->second.number != 0)
-        log(line(id, Direction::kEvent).event("closed"));
+        log(line(id, Direction::kEvent).event("closed", by_modem ? 1 : 0));
     core_.flush();
     connections_.erase(found);
     connection_closed(id);
@@ -109,7 +118,7 @@ void Port::close_connection(ConnectionId id) {
     if (found == connections_.end())
         return;
     Endpoint* const endpoint = found->second.endpoint;
-    closed(id);
+    end(id, true);
     endpoint->close(id);
 }
 
@@ -122,58 +131,101 @@ void Port::send(ConnectionId id, const wire::Bytes& packet, const WireLine& entr
     found->second.endpoint->send(id, packet);
 }
 
-void Port::answer(ConnectionId connection, Exchange& exchange) {
-    const Fault* fault = core_.next_fault(exchange.key());
-    Answer answer;
-    if (fault == nullptr || fault->acts)
-        answer = exchange.act();
-    if (fault == nullptr)
-        return send_answer(connection, exchange, answer.packet, answer.delay, nullptr);
+void Port::answer(ConnectionId connection, wire::View packet, const WireLine& asked, Exchange& exchange) {
+    if (const Fault* fault = core_.next_fault(exchange.key()))
+        return spoil(connection, exchange, *fault);
+    if (replay(connection, packet, asked, exchange))
+        return;
+    const Answer answer = exchange.act();
+    send_answer(connection, exchange, answer.packet, answer.delay);
+}
 
+void Port::spoil(ConnectionId connection, Exchange& exchange, const Fault& fault) {
+    Answer answer;
+    if (fault.acts)
+        answer = exchange.act();
     std::chrono::milliseconds delay = answer.delay;
-    switch (fault->action) {
+    switch (fault.action) {
         case FaultAction::kLate:
-            delay += fault->time;
+            delay += fault.time;
             break;
         case FaultAction::kResult:
-            answer.packet = exchange.with_result(fault->result);
+            answer.packet = exchange.with_result(fault.result);
             break;
         case FaultAction::kModemResult:
-            answer.packet = exchange.with_modem_result(fault->result);
+            answer.packet = exchange.with_modem_result(fault.result);
             break;
         case FaultAction::kPayload:
-            answer.packet = exchange.with_payload(fault->bytes);
+            answer.packet = exchange.with_payload(fault.bytes);
             break;
         case FaultAction::kTlvs:
-            answer.packet = exchange.with_tlvs(fault->bytes);
+            answer.packet = exchange.with_tlvs(fault.bytes);
             break;
         case FaultAction::kCut:
-            answer.packet = exchange.cut(answer.packet, fault->keep);
+            answer.packet = exchange.cut(answer.packet, fault.keep);
             break;
         case FaultAction::kNoAnswer:
         case FaultAction::kClose:
         case FaultAction::kWithdraw:
         case FaultAction::kRestart:
-            log(exchange.no_answer_line().fault(fault->name()));
-            if (fault->action == FaultAction::kClose)
+            log(exchange.no_answer_line().fault(fault.name()));
+            if (fault.action == FaultAction::kClose)
                 close_connection(connection);
-            if (fault->action == FaultAction::kWithdraw)
-                withdraw_for(fault->time);
-            if (fault->action == FaultAction::kRestart)
+            if (fault.action == FaultAction::kWithdraw)
+                withdraw_for(fault.time);
+            if (fault.action == FaultAction::kRestart)
                 core_.restart_modem();
             return;
     }
-    send_answer(connection, exchange, answer.packet, delay, fault);
+    send_answer(connection, exchange, answer.packet, delay, fault.name());
+}
+
+bool Port::replay(ConnectionId connection, wire::View packet, const WireLine& asked, Exchange& exchange) {
+    ReplayBook* const book = core_.replay();
+    if (book == nullptr)
+        return false;
+    const ReplayBook::Steps* steps = book->next(where_, packet, asked.str());
+    if (steps == nullptr && book->strict())
+        send_answer(connection, exchange, exchange.unknown(), std::chrono::milliseconds(0));
+    if (steps == nullptr)
+        return book->strict();
+    for (const ReplayBook::Step& step : *steps) {
+        if (step.kind == ReplayBook::Step::kAnswer) {
+            const wire::Bytes answer = ReplayBook::answer_to(where_, packet, step.packet);
+            send_answer(connection, exchange, answer, step.delay, step.fault);
+        } else if (step.kind == ReplayBook::Step::kUnanswered) {
+            WireLine entry = exchange.no_answer_line();
+            log(step.fault.empty() ? entry : entry.fault(step.fault));
+        } else {
+            after(step.delay, [this, connection, &step] { play(connection, step); });
+        }
+    }
+    return true;
+}
+
+void Port::play(ConnectionId connection, const ReplayBook::Step& step) {
+    if (step.kind == ReplayBook::Step::kIndication && connections_.count(connection) > 0)
+        send(connection, step.packet, unasked_line(connection, step.packet));
+    if (step.kind == ReplayBook::Step::kClose)
+        close_connection(connection);
+    if (step.kind == ReplayBook::Step::kWithdraw)
+        withdraw_for(step.away);
+    if (step.kind == ReplayBook::Step::kRestart)
+        core_.restart_modem(step.away);
 }
 
 void Port::send_answer(ConnectionId connection, const Exchange& exchange, const wire::Bytes& packet,
-                       std::chrono::milliseconds delay, const Fault* fault) {
+                       std::chrono::milliseconds delay, const std::string& fault) {
     WireLine entry = exchange.answer_line(packet);
-    if (fault != nullptr)
-        entry.fault(fault->name());
+    if (!fault.empty())
+        entry.fault(fault);
+    after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
+}
+
+void Port::after(std::chrono::milliseconds delay, EventLoop::Action action) {
     if (delay.count() == 0)
-        return send(connection, packet, entry);
-    core_.loop().after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
+        return action();
+    core_.loop().after(delay, std::move(action));
 }
 
 std::vector<ConnectionId> Port::connections() const {

@@ -12,6 +12,7 @@
 #include "endpoint.h"
 #include "event_loop.h"
 #include "exchange.h"
+#include "replay.h"
 #include "wire.h"
 #include "wire_log.h"
 
@@ -43,11 +44,14 @@ public:
 
 protected:
     virtual void handle(ConnectionId connection, wire::View packet) = 0;
+    /// The line of a packet that leaves unasked.
+    virtual WireLine unasked_line(ConnectionId connection, wire::View packet) = 0;
     virtual void connection_opened(ConnectionId) {}
     virtual void connection_closed(ConnectionId) {}
 
-    /// Carries a request out and sends its answer, unless a fault has other plans.
-    void answer(ConnectionId connection, Exchange& exchange);
+    /// Decides what becomes of a request, whose packet was logged by `asked`: what a fault says; else what
+    /// the trace says that is replayed; else it is carried out, and its answer is sent.
+    void answer(ConnectionId connection, wire::View packet, const WireLine& asked, Exchange& exchange);
 
     std::vector<ConnectionId> connections() const;
     /// With the packet that it tells of; without one it tells of an event.
@@ -72,8 +76,16 @@ private:
     void received_too_much(ConnectionId connection, size_t length) override;
     void closed(ConnectionId connection) override;
 
+    void spoil(ConnectionId connection, Exchange& exchange, const Fault& fault);
+    /// False when there is no trace, or it does not know the request and leaves it to the modem.
+    bool replay(ConnectionId connection, wire::View packet, const WireLine& asked, Exchange& exchange);
+    /// What needs no request.
+    void play(ConnectionId connection, const ReplayBook::Step& step);
     void send_answer(ConnectionId connection, const Exchange& exchange, const wire::Bytes& packet,
-                     std::chrono::milliseconds delay, const Fault* fault);
+                     std::chrono::milliseconds delay, const std::string& fault = "");
+    /// Now, when there is no delay.
+    void after(std::chrono::milliseconds delay, EventLoop::Action action);
+    void end(ConnectionId connection, bool by_modem);
 
     std::string where_;
     std::vector<std::unique_ptr<Endpoint>> endpoints_;

@@ -52,6 +52,8 @@ public:
     wire::Bytes with_payload(wire::View payload) const override { return packed(service_.payload(payload)); }
     wire::Bytes with_tlvs(wire::View tlvs) const override { return packed(tlvs); }
 
+    wire::Bytes unknown() const override { return packed(service_.refusal(kQmiErrorInvalidMessage)); }
+
     wire::Bytes cut(wire::View packet, size_t keep) const override {
         auto answer = wire::decode_qmi(packet);
         if (!answer)
@@ -137,7 +139,7 @@ void QmiPort::handle(ConnectionId connection, wire::View bytes) {
     if (packet->flags != wire::kQmiRequest)
         return;
     QmiExchange exchange(*this, service_, connection, message);
-    answer(connection, exchange);
+    answer(connection, bytes, entry, exchange);
 }
 
 WireLine QmiPort::packet_line(ConnectionId connection, wire::View bytes, const messages::Asked* asked) {

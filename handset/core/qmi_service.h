@@ -82,6 +82,9 @@ public:
 
 protected:
     void handle(ConnectionId connection, wire::View packet) override;
+    WireLine unasked_line(ConnectionId connection, wire::View packet) override {
+        return packet_line(connection, packet, nullptr);
+    }
     void connection_opened(ConnectionId connection) override { service_.connection_opened(connection); }
     void connection_closed(ConnectionId connection) override { service_.connection_closed(connection); }
 

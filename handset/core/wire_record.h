@@ -5,7 +5,8 @@
 //   u64 seconds, u32 nanoseconds since 1970
 //   u8  direction: 0 to the modem, 1 from it, 2 something happened
 //   u32 connection, 0 for none; u32 process behind it, 0 when it is unknown
-//   u32 number: the transaction or op that stays unanswered, the length of a packet that was too long; else 0
+//   u32 number: the transaction or op that stays unanswered, the length of a packet that was too long,
+//       1 for a connection that the modem closed; else 0
 //   u8  length and the road with its service: "qmi/uim", "diag"
 //   u8  length and the name of the fault that struck
 //   u8  length and what happened; 0: the record is of a packet

@@ -48,6 +48,8 @@ public:
     wire::Bytes with_modem_result(int32_t) const override { return {}; }
     wire::Bytes with_tlvs(wire::View) const override { return {}; }
 
+    wire::Bytes unknown() const override { return answer_of(op_, kUnknownOp, {}); }
+
     wire::Bytes cut(wire::View packet, size_t keep) const override {
         return wire::View(packet.data, std::min(keep + 1, packet.size)).copy();
     }
@@ -93,7 +95,7 @@ void DiagPort::handle(ConnectionId connection, wire::View packet) {
     write_packet(messages::decode_diag(true, packet), entry);
     log(entry, packet);
     DiagExchange exchange(*this, connection, packet);
-    answer(connection, exchange);
+    answer(connection, packet, entry, exchange);
 }
 
 WireLine DiagPort::answer_line(ConnectionId connection, wire::View packet) {

@@ -25,6 +25,9 @@ public:
 
 protected:
     void handle(ConnectionId connection, wire::View packet) override;
+    WireLine unasked_line(ConnectionId connection, wire::View packet) override {
+        return answer_line(connection, packet);
+    }
     void connection_closed(ConnectionId connection) override { sessions_.erase(connection); }
 
 private:

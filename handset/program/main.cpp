@@ -28,6 +28,12 @@ void add_boot_options(CLI::App& command, handset::BootOptions& options, const st
             "\"qrtr\": on the kernel's modem bus too, besides the folder")
         ->check(CLI::IsMember({"qrtr"}))
         ->type_name("BUS");
+    CLI::Option* replay =
+        command
+            .add_option("--replay", options.replay, "A modem that answers as this trace or capture has it")
+            ->type_name("FILE");
+    command.add_flag("--fast", options.fast, "Without the delays of the trace")->needs(replay);
+    command.add_flag("--strict", options.strict, "Refuse what the trace does not have")->needs(replay);
 }
 
 void add_dir_option(CLI::App& command, std::string& dir) {

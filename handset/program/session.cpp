@@ -12,8 +12,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <initializer_list>
+#include <map>
+#include <optional>
+#include <utility>
 
 #include "error.h"
 #include "event_loop.h"
@@ -23,6 +27,7 @@
 #include "qrtr_transport.h"
 #include "subjects.h"
 #include "temporary_folder.h"
+#include "trace_file.h"
 
 namespace handset {
 namespace {
@@ -66,6 +71,43 @@ private:
 Profile profile_of(const BootOptions& options) {
     return options.profile.empty() ? Profile() : load_profile(found_profile(options.profile));
 }
+
+// What is replayed, if anything, for one handset: read before it boots, and when it has ended it is told
+// which requests were not in the trace.
+class Replay {
+public:
+    explicit Replay(const BootOptions& options) : options_(options) {
+        if (options.replay.empty())
+            return;
+        Recording recording = read_recording(options.replay);
+        properties_ = std::move(recording.properties);
+        book_.emplace(recording.trace, options.fast, options.strict);
+    }
+    ~Replay() {
+        if (!book_)
+            return;
+        for (const ReplayBook::Unknown& unknown : book_->unknown())
+            complain(std::string("not in the trace, ") +
+                     (options_.strict ? "refused" : "answered by the profile") +
+                     (unknown.count > 1 ? " " + std::to_string(unknown.count) + " times" : "") + ": " +
+                     unknown.line);
+    }
+    Replay(const Replay&) = delete;
+    Replay& operator=(const Replay&) = delete;
+
+    ReplayBook* book() { return book_ ? &*book_ : nullptr; }
+
+    /// Those of the handset that was recorded, into the folder of the one that has booted.
+    void set_properties(const std::string& folder) const {
+        for (const auto& property : properties_)
+            std::ofstream(folder + "/properties/" + property.first) << property.second;
+    }
+
+private:
+    const BootOptions options_;
+    std::optional<ReplayBook> book_;
+    std::map<std::string, std::string> properties_;
+};
 
 // What reaches the handset beside its folder.
 std::vector<std::unique_ptr<Transport>> transports_of(const BootOptions& options, EventLoop& loop) {
@@ -131,7 +173,9 @@ int status_of(int wait_status) {
 
 int run_in(const std::string& folder, const BootOptions& options, const std::vector<std::string>& command) {
     EventLoop loop;
-    Handset handset(loop, folder, profile_of(options), transports_of(options, loop));
+    Replay replay(options);
+    Handset handset(loop, folder, profile_of(options), transports_of(options, loop), replay.book());
+    replay.set_properties(handset.folder());
     if (sends_at_commands(command))
         print_notice(handset.at_notice());
     pid_t child = 0;
@@ -161,11 +205,13 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
 
 int serve(const BootOptions& options) {
     const Profile profile = profile_of(options);
+    Replay replay(options);
     EventLoop loop;
     // Before the boot, so that a signal during it does not leave the sockets behind.
     const Signals signals(loop, {SIGINT, SIGTERM, SIGHUP}, [&loop](int) { loop.stop(); });
     Handset handset(loop, options.dir.empty() ? default_folder() : resolved_folder(options.dir), profile,
-                    transports_of(options, loop));
+                    transports_of(options, loop), replay.book());
+    replay.set_properties(handset.folder());
     print_notice(handset.at_notice());
     printf("vxk-handset: ready in %s\n", handset.folder().c_str());
     fflush(stdout);

@@ -11,7 +11,10 @@ namespace handset {
 struct BootOptions {
     std::string dir;
     std::string profile;
-    bool on_qrtr = false;  // on the kernel's modem bus too
+    bool on_qrtr = false;     // on the kernel's modem bus too
+    std::string replay = {};  // a trace or a capture that decides the answers
+    bool fast = false;        // without the delays of the trace
+    bool strict = false;      // what the trace does not have is refused
 };
 
 /// Status of a run whose handset could not boot, so that it is not taken for the command's own.

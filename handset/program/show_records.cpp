@@ -217,6 +217,8 @@ std::string json_line(const Told& told) {
         line.text("command", record.command);
     if (record.event == "malformed")
         line.unsigned_number("length", record.number);
+    if (record.event == "closed")
+        line.text("by", record.number != 0 ? "modem" : "client");
     return line.finish(record.packet, told.latency_us, record.fault);
 }
 

@@ -37,6 +37,7 @@ _vxk_handset() {
     done
     case $previous in
         --dir) _vxk_handset_files -d; return ;;
+        --replay) _vxk_handset_files -f; return ;;
         --bus) mapfile -t COMPREPLY < <(compgen -W qrtr -- "$current"); return ;;
         --profile)
             program=$(realpath -- "$(type -P -- "$1")" 2>/dev/null)
@@ -53,8 +54,8 @@ _vxk_handset() {
         words="run serve shell show log set fault event --help --version"
     else
         case ${COMP_WORDS[1]} in
-            run) words="--dir --profile --bus --help --" ;;
-            serve | shell) words="--dir --profile --bus --help" ;;
+            run) words="--dir --profile --bus --replay --fast --strict --help --" ;;
+            serve | shell) words="--dir --profile --bus --replay --fast --strict --help" ;;
             show | set) words="--dir --help" ;;
             fault) words="add list clear --dir --help" ;;
             event) words="restart pull push indication --dir --help" ;;

@@ -138,21 +138,21 @@ chosen by a process, by its number, or by a time is the part of the log itself.
   extension True -- event connected None 0 False None {}
   extension True -> request send 1 535 False None {'id': 2, 'data_len': 512, 'sub': 0, 'path': '/a', 'total': 3, 'offset': 0, 'chunk': 3}
   extension True <- response send 1 43 True None {'id': 0, 'data_len': 20, 'result': 0}
-  extension True -- event closed None 0 False None {}
+  extension True -- event closed None 0 False None {'by': 'client'}
   extension True -- event connected None 0 False None {}
   extension True -> request send 1 535 False None {'id': 2, 'data_len': 512, 'sub': 0, 'path': '/a', 'offset': 0}
   extension True <- response send 1 46 True None {'id': 0, 'data_len': 23, 'result': 0, 'total': 3, 'chunk': 3, 'bytes': '01 02 FF'}
-  extension True -- event closed None 0 False None {}
+  extension True -- event closed None 0 False None {'by': 'client'}
   statistics True -- event connected None 0 False None {}
   statistics True -> request feature 1 21 False None {'value': 2, 'first': 1, 'second': 0}
   statistics True <- response feature 1 13 True None {'result': 0, 'error': 0}
   statistics True -> request values 2 30 False None {'sub': 0, 'number': 1, 'entries': [{'sub': 0, 'type': 0, 'id': 94, 'value': ''}]}
   statistics True <- response values 2 47 True None {'result': 0, 'error': 0, 'entries': [{'sub': 0, 'type': 0, 'id': 94, 'version': 1, 'rssi0': -58.25, 'rssi1': -59.5, 'rssi2': -63.
-  statistics True -- event closed None 0 False None {}
+  statistics True -- event closed None 0 False None {'by': 'client'}
   extension True -- event connected None 0 False None {}
   extension True -> request send 1 535 False None {'id': 2, 'data_len': 512, 'sub': 0, 'path': '/a'}
   extension True <- event unanswered 1 0 False no_answer {}
-  extension True -- event closed None 0 False None {}
+  extension True -- event closed None 0 False None {'by': 'client'}
 
 What a running handset is changed by: the places of its profile, faults, events. What is unknown is refused with the choices, and nothing
 of its command is done. A fault that was never met is named when the handset stops.
