@@ -40,7 +40,7 @@ stage() { echo "$*" >&2; }
 
 # The packages of a full development machine, by Debian's names.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev python3-cram python3-serial picocom ppp python3-pytest clang libclang-rt-14-dev zsh chromium)
+test_packages=(libgtest-dev libgmock-dev python3-cram python3-serial picocom ppp python3-pytest clang libclang-rt-14-dev zsh chromium tshark)
 check_packages=(clang-format clang-tidy)
 
 # Installs those of the named packages that are missing.

@@ -88,6 +88,9 @@ int run(int argc, char** argv) {
     log_app->add_option("--pid", choice.pid, "Only the exchanges of a process")
         ->type_name("PID")
         ->check(CLI::PositiveNumber);
+    log_app->add_option("--pcap", choice.pcap, "Write a capture file (pcapng) for Wireshark")
+        ->type_name("FILE")
+        ->excludes("--follow");
     log_app->add_flag("--commands", commands,
                       "The processes that spoke to the modem, with time, pid and words");
 

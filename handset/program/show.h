@@ -22,10 +22,12 @@ struct LogChoice {
     std::string since;     // a time as either form writes it, or its beginning; empty: all
     unsigned command = 0;  // the n-th process that spoke to the modem; 0: all
     int64_t pid = 0;       // 0: all
-    bool any() const { return json || !since.empty() || command != 0 || pid != 0; }
+    std::string pcap;      // a capture file to write instead of lines
+    bool any() const { return json || !since.empty() || command != 0 || pid != 0 || !pcap.empty(); }
 };
 
-/// Prints them, and with `follow` goes on. Returns 0; throws Error.
+/// Prints them, and with `follow` goes on; or writes a capture file of them and of the system log's lines.
+/// Returns 0; throws Error.
 int show_records(const std::string& folder, const LogChoice& choice, bool follow);
 
 /// Prints the processes that spoke to the modem: number, time, pid and words. Returns 0; throws Error.

@@ -1,6 +1,7 @@
 // The wire log from its records: as JSON, or a part of it as lines.
 #include <cctype>
 #include <cstdio>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +14,7 @@
 #include "folder.h"
 #include "json_line.h"
 #include "packet_line.h"
+#include "pcap.h"
 #include "show.h"
 #include "wire_record.h"
 
@@ -242,13 +244,13 @@ private:
     std::function<void(const Told&)> take_;
 };
 
-// Whether a record is not older than a time as either form writes it, or its beginning.
-bool is_since(const WireRecord& record, const std::string& since) {
+// Whether a time is not before one as either form writes it, or its beginning.
+bool is_since(const timespec& time, const std::string& since) {
     std::string stamp;
     if (since.size() > 4 && since[4] == '-')
-        stamp = messages::rfc3339(record.time);
+        stamp = messages::rfc3339(time);
     else
-        WireStamp().append(stamp, record.time);
+        WireStamp().append(stamp, time);
     return stamp >= since;
 }
 
@@ -269,6 +271,20 @@ void check_since(const std::string& since) {
 }
 
 // A handset that runs may have records that are not in the file yet.
+// The lines of the system log that a choice leaves.
+void add_system_log(const std::string& folder, const LogChoice& choice, Pcap& pcap) {
+    std::ifstream log(folder + "/log/system.log");
+    const time_t now = time(nullptr);
+    for (std::string line; std::getline(log, line);) {
+        const auto written = system_line_time(line, now);
+        int pid = 0;
+        if (!written || (!choice.since.empty() && !is_since(*written, choice.since)) ||
+            (choice.pid != 0 && (sscanf(line.c_str(), "%*s %*s %d", &pid) != 1 || pid != choice.pid)))
+            continue;
+        pcap.add_system_line(*written, line);
+    }
+}
+
 std::string path_of(const std::string& folder) {
     try {
         if (running_handset(folder))
@@ -283,11 +299,14 @@ std::string path_of(const std::string& folder) {
 
 int show_records(const std::string& folder, const LogChoice& choice, bool follow) {
     check_since(choice.since);
-    Records records([&choice](const Told& told) {
+    Pcap pcap;
+    Records records([&choice, &pcap](const Told& told) {
         if ((choice.pid != 0 && told.record.pid != choice.pid) ||
             (choice.command != 0 && told.command != choice.command) ||
-            (!choice.since.empty() && !is_since(told.record, choice.since)))
+            (!choice.since.empty() && !is_since(told.record.time, choice.since)))
             return;
+        if (!choice.pcap.empty())
+            return pcap.add(told.record, told.qmi ? &*told.qmi : nullptr);
         printf("%s\n", (choice.json ? json_line(told) : text_line(told)).c_str());
     });
     read_growing_file(path_of(folder), follow, [&records](std::string_view bytes) {
@@ -297,6 +316,13 @@ int show_records(const std::string& folder, const LogChoice& choice, bool follow
     if (choice.command > records.story().processes().size())
         throw Error("only " + std::to_string(records.story().processes().size()) +
                     " processes spoke to the modem; --commands lists them");
+    if (!choice.pcap.empty()) {
+        LogChoice lines = choice;
+        if (choice.command != 0)
+            lines.pid = records.story().processes()[choice.command - 1].pid;
+        add_system_log(folder, lines, pcap);
+        pcap.write(choice.pcap);
+    }
     flush_output();
     return 0;
 }

@@ -37,7 +37,7 @@ _vxk_handset() {
     done
     case $previous in
         --dir) _vxk_handset_files -d; return ;;
-        --replay) _vxk_handset_files -f; return ;;
+        --replay | --pcap) _vxk_handset_files -f; return ;;
         --bus) mapfile -t COMPREPLY < <(compgen -W qrtr -- "$current"); return ;;
         --profile)
             program=$(realpath -- "$(type -P -- "$1")" 2>/dev/null)
@@ -59,7 +59,7 @@ _vxk_handset() {
             show | set) words="--dir --help" ;;
             fault) words="add list clear --dir --help" ;;
             event) words="restart pull push indication --dir --help" ;;
-            log) words="--dir --follow --system --json --since --command --pid --commands --help" ;;
+            log) words="--dir --follow --system --json --pcap --since --command --pid --commands --help" ;;
         esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
