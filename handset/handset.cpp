@@ -11,6 +11,7 @@ Handset::Handset(EventLoop& loop, const std::string& folder, const Profile& prof
     : profile_(std::make_unique<const Profile>(profile)),
       core_(std::make_unique<Core>(loop, folder, profile.modem, profile.faults, std::move(transports))),
       subjects_(std::make_unique<Subjects>(*core_, *profile_)) {
+    core_->folder().replace(core_->folder().at("state/profile.json"), profile_->text);
     core_->set_replay(replay);
     core_->start();
 }

@@ -18,6 +18,7 @@ constexpr size_t kLongestProfile = 16 * 1024 * 1024;
 
 Profile parse_profile(const std::string& text, const std::string& name) {
     Profile profile;
+    profile.text = text;
     read_sections(text, name, [&profile](Section& root) { read_profile(root, profile); });
     return profile;
 }

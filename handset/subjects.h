@@ -36,6 +36,7 @@ struct Profile {
     AtProfile at;
     DiagProfile diag;
     std::vector<Fault> faults;
+    std::string text = "{}\n";  // as it was written
 };
 
 inline void read_profile(Section& root, Profile& profile) {

@@ -163,14 +163,12 @@ private:
         to.open.erase(open);
     }
 
-    // A client's trace does not say who ended a connection: it was the modem when an answer was due.
     void close(const TraceEvent& event) {
         const auto closed = connections_.find({event.where, event.pid, event.connection});
         if (closed == connections_.end())
             return;
-        const Connection& at = closed->second;
-        if (away_.count(event.where) == 0 && (event.by_modem || !at.open.empty()))
-            add_step(at.current, event, ReplayBook::Step::kClose);
+        if (away_.count(event.where) == 0)
+            add_step(closed->second.current, event, ReplayBook::Step::kClose);
         connections_.erase(closed);
     }
 

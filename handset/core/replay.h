@@ -22,7 +22,7 @@ struct TraceEvent {
         kIndication,
         kUnanswered,  // a request that stayed without an answer
         kConnected,
-        kClosed,     // the modem ended the connection, or nobody says who did
+        kClosed,     // the modem ended the connection
         kWithdrawn,  // a service went away
         kPublished,
         kRestart,  // the modem went away
@@ -33,8 +33,7 @@ struct TraceEvent {
     std::string where;  // as in the wire log; with `pid` and `connection` it tells connections apart
     int64_t pid = 0;
     uint64_t connection = 0;
-    uint32_t number = 0;    // kUnanswered: the transaction or op
-    bool by_modem = false;  // kClosed: the trace says who ended it
+    uint32_t number = 0;  // kUnanswered: the transaction or op
     std::string fault;
     wire::Bytes packet;
 };

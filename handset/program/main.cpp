@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "capture.h"
 #include "control.h"
 #include "error.h"
 #include "folder.h"
@@ -71,6 +72,11 @@ int run(int argc, char** argv) {
     CLI::App* shell_app =
         app.add_subcommand("shell", "Boot a handset and open a shell in which vxk speaks to it");
     add_boot_options(*shell_app, options, temporary);
+    CLI::App* capture_app =
+        app.add_subcommand("capture", "Run a command and pack all that tells of the run into an archive");
+    add_boot_options(*capture_app, options, "that of a running handset, else as for run");
+    std::string archive;
+    capture_app->add_option("--out", archive, "The archive; vxk-capture-TIME.tar.gz")->type_name("FILE");
     CLI::App* show_app = app.add_subcommand("show", "Services, state, properties and files of a handset");
     add_dir_option(*show_app, dir);
     CLI::App* log_app = app.add_subcommand("log", "What the modem heard and said");
@@ -112,9 +118,10 @@ int run(int argc, char** argv) {
     try {
         // The parser takes its words from the back.
         app.parse(std::vector<std::string>(std::make_reverse_iterator(end_of_options), words.rend()));
-        if (*run_app && command.empty())
+        const bool runs = *run_app || *capture_app;
+        if (runs && command.empty())
             throw CLI::RequiredError("A command behind \"--\"");
-        if (!*run_app && end_of_options != words.end())
+        if (!runs && end_of_options != words.end())
             throw CLI::ExtrasError({"--"});
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kUsageError;
@@ -140,6 +147,8 @@ int run(int argc, char** argv) {
     if (*serve_app)
         return handset::serve(options);
     try {
+        if (*capture_app)
+            return handset::capture(options, archive, command);
         return *run_app ? handset::run_command(options, command) : handset::run_shell(options);
     } catch (const handset::Error& error) {
         handset::complain(error.what());

@@ -90,8 +90,7 @@ std::optional<TraceEvent> event_of(const Json& line) {
     event.fault = text_in(line, "fault");
     const auto fields = line.find("fields");
     const std::string by = fields != line.end() && fields->is_object() ? text_in(*fields, "by") : "";
-    event.by_modem = by == "modem";
-    if (event.kind == TraceEvent::kClosed && by == "client")
+    if (event.kind == TraceEvent::kClosed && by != "modem")
         return std::nullopt;
     const auto packet = parse_hex(text_in(line, "bytes"));
     if (!packet)

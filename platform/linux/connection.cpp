@@ -72,7 +72,7 @@ void Connection::close() {
         channel_->shut();
         wake();
         if (trace_)
-            trace_->closed();
+            trace_->closed(trace::Connection::By::kClient);
     }
     if (is_started_)
         pthread_join(thread_, nullptr);
@@ -229,7 +229,7 @@ void Connection::hand_out(wire::View packet) {
 void Connection::end() {
     has_ended_ = true;
     if (trace_)
-        trace_->closed();
+        trace_->closed(trace::Connection::By::kModem);
     ++ends_due_;
     wake();
 }

@@ -103,7 +103,7 @@ public:
                   }
                   on_event(packet);
               },
-              [this] { end_trace(); }, nullptr) {}
+              [this] { end_trace(trace::Connection::By::kModem); }, nullptr) {}
 
     bool open() { return connection_.start() && ask(wire::kDiagOpen, {})->result() == kOpenResult; }
 
@@ -120,7 +120,7 @@ public:
     bool has_ended() override { return connection_.has_ended(); }
     void close() override {
         connection_.close();
-        end_trace();
+        end_trace(trace::Connection::By::kClient);
     }
 
 private:
@@ -152,10 +152,10 @@ private:
         return result;
     }
 
-    void end_trace() {
+    void end_trace(trace::Connection::By by) {
         if (!trace_)
             return;
-        trace_->closed();
+        trace_->closed(by);
         trace_->flush();
     }
 

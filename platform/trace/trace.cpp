@@ -31,6 +31,7 @@ struct Note {
     uint32_t connection = 0;
     const char* direction = "--";
     const char* event = nullptr;  // null: a packet
+    const char* by = nullptr;     // who closed a connection
     uint32_t number = 0;          // of the request that stays unanswered: its transaction or op
     wire::Bytes packet;
     std::optional<int64_t> latency_us;
@@ -91,6 +92,8 @@ std::string line_of(Note& note) {
         line.malformed();
     else if (strcmp(note.event, "connected") == 0)
         line.text("command", command_of_process());
+    if (note.by)
+        line.text("by", note.by);
     return line.finish(note.packet, note.latency_us, "");
 }
 
@@ -132,7 +135,7 @@ public:
             left = open_;
         }
         for (Connection* connection : left)
-            connection->closed();
+            connection->closed(Connection::By::kClient);
         flush();
     }
 
@@ -289,13 +292,13 @@ public:
             note_unanswered(*open);
     }
 
-    void closed() override {
+    void closed(By by) override {
         const std::lock_guard<std::mutex> lock(mutex_);
         if (std::exchange(is_closed_, true) || number_ == 0)
             return;
         for (auto& open : open_)
             note_unanswered(open);
-        note_event("--", "closed");
+        note_event("--", "closed", 0, by == By::kModem ? "modem" : "client");
     }
 
     void flush() override { file_.flush(); }
@@ -336,8 +339,9 @@ private:
         return note;
     }
 
-    void note_event(const char* direction, const char* event, uint32_t number = 0) {
+    void note_event(const char* direction, const char* event, uint32_t number = 0, const char* by = nullptr) {
         Note note = new_note(direction);
+        note.by = by;
         note.event = event;
         note.number = number;
         file_.add(std::move(note));

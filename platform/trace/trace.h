@@ -35,9 +35,10 @@ public:
     /// Notes that a request will have no answer; one that does come is noted all the same.
     virtual void gave_up(wire::View request) = 0;
 
-    /// Notes the end, and before it the requests that it leaves without an answer. Only the first call
+    enum class By { kClient, kModem };
+    /// Notes who ended it, and before that the requests that it leaves without an answer. Only the first call
     /// counts.
-    virtual void closed() = 0;
+    virtual void closed(By by) = 0;
 
     /// Writes the lines of all that is noted, of every connection.
     virtual void flush() = 0;
