@@ -16,6 +16,7 @@ struct Handset {
     bool adb = false;
     std::string serial;                 ///< for adb; empty: the only device
     std::vector<std::string> settings;  ///< "NAME=VALUE" for the tool's environment
+    std::string trace = {};             ///< for adb: the file over there that the tool traces to; empty: none
 };
 
 /// A word with a '/' and "folder:DIR" name a simulated handset's folder, "qrtr" and "qrtr:NODE" a modem on

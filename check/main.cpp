@@ -8,9 +8,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "capture.h"
 #include "plan.h"
 #include "reports.h"
 #include "watch.h"
@@ -35,6 +37,7 @@ struct Options {
     std::string junit;
     std::string html;
     std::string table;
+    std::string capture;
     std::vector<std::string> handsets;
 };
 
@@ -106,9 +109,16 @@ int run_steps(const Options& options, const std::vector<Handset>& handsets, cons
 
 int run_one(const Options& options, const Handset& handset, const std::vector<std::string>& command,
             const Rules& rules) {
-    const Result result = check_command(handset, command, rules);
-    if (interrupted() != 0)
+    std::optional<Capture> capture;
+    if (!options.capture.empty())
+        capture.emplace(options.capture);
+    const Result result = check_command(capture ? capture->traced(handset) : handset, command, rules);
+    if (interrupted() != 0) {
+        capture.reset();
         end_by(interrupted());
+    }
+    if (capture)
+        capture->write(handset, result);
     fputs(options.json ? (json_text(result_json(result)) + "\n").c_str() : report_text(result).c_str(),
           stdout);
     return static_cast<int>(result.judgement.verdict);
@@ -133,6 +143,8 @@ void add_options(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option("--junit", options.junit, "Write the results for a build server")->type_name("FILE");
     app.add_option("--html", options.html, "Write the results as a page")->type_name("FILE");
+    app.add_option("--capture", options.capture, "Pack all that tells of the run into an archive")
+        ->type_name("FILE");
     app.add_option("--watch", options.watch, "Repeat the command with this period")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.001, 1e6));
@@ -174,6 +186,8 @@ int run(int argc, char** argv) {
                            !options.html.empty();
     if (options.watch > 0 && (is_report || options.json))
         return complain("--watch goes with one command on one handset, and makes no report");
+    if (!options.capture.empty() && (is_report || options.watch > 0))
+        return complain("--capture goes with one command on one handset");
     if (options.count > 0 && !(options.watch > 0))
         return complain("--count goes with --watch");
     if (app.count("--adb") > 0 && !options.handsets.empty())

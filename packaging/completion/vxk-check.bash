@@ -13,7 +13,7 @@ _vxk_check() {
         fi
     done
     case ${COMP_WORDS[COMP_CWORD - 1]} in
-        --plan | --junit | --html | --vxk)
+        --plan | --capture | --junit | --html | --vxk)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "${current//\\/}")
             return
@@ -29,7 +29,7 @@ _vxk_check() {
         --table) mapfile -t COMPREPLY < <(compgen -W "json markdown --" -- "$current"); return ;;
         --timeout | --expect | --watch | --count) return ;;
     esac
-    local options="--timeout --json --expect --verify --adb --handset --vxk --plan --junit --html --watch --count --table --help --version --"
+    local options="--timeout --json --expect --verify --adb --handset --vxk --capture --plan --junit --html --watch --count --table --help --version --"
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
 }
 complete -F _vxk_check vxk-check

@@ -37,7 +37,7 @@ _vxk_handset() {
     done
     case $previous in
         --dir) _vxk_handset_files -d; return ;;
-        --replay | --pcap) _vxk_handset_files -f; return ;;
+        --replay | --pcap | --out) _vxk_handset_files -f; return ;;
         --bus) mapfile -t COMPREPLY < <(compgen -W qrtr -- "$current"); return ;;
         --profile)
             program=$(realpath -- "$(type -P -- "$1")" 2>/dev/null)
@@ -51,10 +51,11 @@ _vxk_handset() {
     esac
     local words="--help"
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words="run serve shell show log set fault event --help --version"
+        words="run serve shell capture show log set fault event --help --version"
     else
         case ${COMP_WORDS[1]} in
             run) words="--dir --profile --bus --replay --fast --strict --help --" ;;
+            capture) words="--dir --out --profile --bus --replay --fast --strict --help --" ;;
             serve | shell) words="--dir --profile --bus --replay --fast --strict --help" ;;
             show | set) words="--dir --help" ;;
             fault) words="add list clear --dir --help" ;;
