@@ -147,7 +147,7 @@ extern "C" bool __wrap_Diag_LSM_DeInit(void) {
         trace.swap(session().trace);
     }
     if (trace) {
-        trace->closed();
+        trace->closed(trace::Connection::By::kClient);
         trace->flush();
     }
     return done;

@@ -78,7 +78,7 @@ void indicate(qmi_client_type handle, unsigned message, void* body, unsigned siz
 
 void lose(qmi_client_type handle, qmi_client_error_type error, void* data) {
     auto* client = static_cast<Client*>(data);
-    client->trace->closed();
+    client->trace->closed(trace::Connection::By::kModem);
     client->trace->flush();
     client->error_cb(handle, error, client->error_cb_data);
 }
@@ -163,7 +163,7 @@ extern "C" qmi_client_error_type __wrap_qmi_client_send_msg_sync(qmi_client_type
     if (error == QMI_NO_ERR)
         client->trace->received(packet_of(*client, wire::kQmiResponse, transaction, message, resp, resp_len));
     else if (error == QMI_SERVICE_ERR)
-        client->trace->closed();
+        client->trace->closed(trace::Connection::By::kModem);
     else
         client->trace->gave_up(request);
     client->trace->flush_in_passing();
@@ -182,7 +182,7 @@ extern "C" qmi_client_error_type __wrap_qmi_client_release(qmi_client_type handl
     }
     const qmi_client_error_type error = __real_qmi_client_release(handle);
     if (client) {
-        client->trace->closed();
+        client->trace->closed(trace::Connection::By::kClient);
         client->trace->flush();
     }
     return error;
