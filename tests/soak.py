@@ -71,8 +71,8 @@ class Handset:
         return int(Path(f"/proc/{self.process.pid}/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
     def modem(self, name: str) -> str:
-        lines = (self.folder / "state/modem").read_text().splitlines()
-        return dict(line.split("\t") for line in lines).get(name, "")
+        shown = (self.folder / "state/board").read_text().splitlines()
+        return next((line.split("\t")[2] for line in shown if line.startswith(f"modem\t{name}\t")), "")
 
     def complaints(self, descriptors: int, memory: int) -> list[str]:
         """What it still holds after it has come to rest."""

@@ -22,6 +22,9 @@ namespace {
 // What a reader that does not read may make the handset keep for him, beside what the kernel keeps.
 constexpr size_t kUnsentMax = 256 * 1024;
 
+// How often a terminal is looked at that nothing tells of its openings.
+constexpr EventLoop::Milliseconds kLookAgain{50};
+
 }  // namespace
 
 Terminal::Terminal(Core& core, const std::string& name, Received received)
@@ -42,18 +45,34 @@ void Terminal::open_device() {
     if (!start_anew(device))
         throw system_error(std::string("cannot set up the terminal ") + device, errno);
     opening_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (opening_ < 0 || inotify_add_watch(opening_, device, IN_OPEN | IN_CLOSE) < 0)
-        throw system_error(std::string("cannot watch the terminal ") + device, errno);
+    if (opening_ >= 0 && inotify_add_watch(opening_, device, IN_OPEN | IN_CLOSE) >= 0)
+        opening_watch_ = core_.loop().watch(opening_, EPOLLIN, [this](uint32_t) { look(); });
+    else
+        look_again();
     const std::string staged = core_.folder().staging_name();
     if (symlink(device, staged.c_str()) != 0 || rename(staged.c_str(), link_.c_str()) != 0)
         throw system_error("cannot link " + link_, errno);
-    opening_watch_ = core_.loop().watch(opening_, EPOLLIN, [this](uint32_t) { look(); });
     device_ = device;
+}
+
+// A user has a hundred or so watches, fewer than handsets where many are tested at once.
+void Terminal::look_again() {
+    timer_ = core_.loop().after(kLookAgain, [this] {
+        if (watch_ != 0 || !is_deserted() || holds_unread())
+            look();
+        look_again();
+    });
+}
+
+bool Terminal::holds_unread() const {
+    pollfd state{master_, POLLIN, 0};
+    return poll(&state, 1, 0) == 1 && (state.revents & POLLIN) != 0;
 }
 
 Terminal::~Terminal() {
     core_.loop().forget(watch_);
     core_.loop().forget(opening_watch_);
+    core_.loop().cancel(timer_);
     if (!device_.empty())
         unlink(link_.c_str());
     for (const int fd : {opening_, master_}) {

@@ -50,7 +50,9 @@ public:
 
 private:
     void look();
+    void look_again();
     bool is_deserted() const;
+    bool holds_unread() const;
     void open_device();
     bool start_anew(const char* device);
     void ready(uint32_t events);
@@ -67,6 +69,7 @@ private:
     int master_ = -1;
     int opening_ = -1;  // tells when somebody has opened or closed the terminal
     EventLoop::Token opening_watch_ = 0;
+    EventLoop::Token timer_ = 0;  // looks where there is no watch to be had
     EventLoop::Token watch_ = 0;  // 0 while nobody has it open: the master would be ready all the time
     bool paused_ = false;
     wire::Bytes unsent_;
