@@ -33,7 +33,7 @@ DATA = re.compile(r"^data len\((\d+)\)\ndata: ?(.*)$", re.MULTILINE)
 REFUSED = "kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS"
 RESTART_EVERY = 100  # commands
 # Of the handset's folder, what may hold files beside the sockets of published services.
-KEPT = ("efs", "nv", "properties", "dump", "state", "cards", "log", "lock", "at", "smd8")
+KEPT = ("efs", "nv", "properties", "dump", "state", "kept", "cards", "log", "lock", "at", "smd8")
 
 # # is a digit, % a bit. The AT channel's device is the machine's: only what does not reach it.
 OTHER = """3 0 # %|3 3 % # 0x80000000000|3 1|3 2|3 4|3 5|5 0 % 0 1000 0x4B #|5 0 % 1 0 0x00|5 1|5 4|5 2 %|5 3 % 0 %|5 5
