@@ -84,7 +84,7 @@ std::optional<TraceEvent> event_of(const Json& line) {
     event.pid = number_in<int64_t>(line, "pid");
     event.connection = number_in<uint64_t>(line, "connection");
     // The serial diag port has the road, too, but no connections; its packets are bare commands.
-    if (event.connection == 0 && (kind == TraceEvent::kRequest || kind == TraceEvent::kResponse))
+    if (event.connection == 0 && (event.kind == TraceEvent::kRequest || event.kind == TraceEvent::kResponse))
         return std::nullopt;
     event.number = number_in<uint32_t>(line, road == "qmi" ? "transaction" : "message_id");
     event.fault = text_in(line, "fault");
