@@ -164,7 +164,7 @@ TEST(HandsetDiag, FaultsSpoilEveryOp) {
             {"road": "diag", "message": "send", "action": "result", "result": -7},
             {"road": "diag", "message": "send", "action": "no_answer", "acts": true},
             {"road": "diag", "message": "dci_register", "action": "cut", "keep": 5},
-            {"road": "diag", "message": "dci_register", "action": "late", "ms": 250},
+            {"road": "diag", "message": "dci_register", "action": "late", "ms": 1000},
             {"road": "diag", "message": "dci_release", "action": "close"}])",
          R"(
         $open > 02 < 82 00 00 00 00 FF > 02 < 82 > 04 00 00 00 00 7B < 84 F9 FF FF FF < nothing

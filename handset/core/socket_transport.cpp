@@ -75,7 +75,7 @@ public:
     SocketEndpoint(EventLoop& loop, Folder& folder, EndpointUser& user, const PortName& port)
         : loop_(loop), folder_(folder), user_(user), name_(port.socket), buffer_(port.packet_max) {}
     ~SocketEndpoint() override {
-        withdraw();
+        SocketEndpoint::withdraw();
         while (!connections_.empty())
             SocketEndpoint::close(connections_.begin()->first);
     }

@@ -231,11 +231,11 @@ File* open_file() {
     const char* name = getenv("VXK_TRACE");
     if (name == nullptr || *name == '\0')
         return nullptr;
-    auto* file = new File(name);
+    auto file = std::make_unique<File>(name);
     if (!file->is_open())
         return nullptr;
     atexit([] { trace::file()->close_all(); });
-    return file;
+    return file.release();
 }
 
 File* file() {
