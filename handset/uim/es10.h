@@ -22,7 +22,7 @@ struct Es10 {
 /// function's, kSwWrongData for a request that does not read.
 CardAnswer answer_es10(Es10& es10, const DerObject& request);
 
-/// The version of the specification that the eUICC follows.
+/// The version of its standard that the eUICC follows.
 wire::View es10_version();
 
 /// The groups of functions, each in a file of its own; nothing when a request does not read. What a function
