@@ -115,7 +115,7 @@ chosen by a process, by its number, or by a time is the part of the log itself.
   $ boot '{"faults": [{"service": "extension", "code": "efs_delete", "action": "no_answer"}]}'
   $ vxk 4 5 0 /a 1 2 255 > out; vxk 4 4 0 /a > out; vxk 9 7 0 > out; vxk 4 6 0 /a > out
   $ halt
-  $ vxk-handset log --commands | cut -c 29- | sed -E 's/^ *[0-9]+//' | folded
+  $ vxk-handset log --commands | cut -c 29- | sed -E 's/^ *[0-9]+//; s| [^ ]*/qemu-.*/vxk[^ ]*| vxk|' | folded
     vxk 4 5 0 /a 1 2 255 |   vxk 4 4 0 /a |   vxk 9 7 0 |   vxk 4 6 0 /a
   $ vxk-handset log --since 0 | diff - "$VXK_HANDSET_DIR/log/wire.log"
   $ vxk-handset log --since 2000-01-01 | diff - "$VXK_HANDSET_DIR/log/wire.log"

@@ -49,7 +49,7 @@ Every session is a connection of its own: the feature, then one value. Nothing i
   $ vxk-handset log | grep -c 'qmi/statistics .* request values'
   33
   $ vxk-handset log | grep -F 'qmi/statistics 14 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
-  qmi/statistics 14 -- connected (pid=\d+ command="vxk 9 6 1"|address="1:\d+") (re)
+  qmi/statistics 14 -- connected (pid=\d+ command="[^"]*vxk[^ ]* 9 6 1"|address="1:\d+") (re)
   qmi/statistics 14 -> request feature(3) #1 value=2 first=1 second=0
   qmi/statistics 14 <- response feature(3) #1 result=0 error=0
   qmi/statistics 14 -> request values(519) #2 sub=1 number=1 entries=1 entries.0.sub=0 entries.0.type=0 entries.0.id=108 entries.0.value=[]
@@ -173,7 +173,7 @@ The SAR index. The error of an answer is not looked at, and an index that is not
   RIL[kelvra_get_sar_dsi:#]: qmi_client_init_instance failed, qmi_client_error = -3
   SAR DSI: -1
   $ vxk-handset log | grep -F 'qmi/sar 4 ' | sed -E 's/^[0-9-]+ [0-9:.]+ //'
-  qmi/sar 4 -- connected (pid=\d+ command="vxk 5 5"|address="1:\d+") (re)
+  qmi/sar 4 -- connected (pid=\d+ command="[^"]*vxk[^ ]* 5 5"|address="1:\d+") (re)
   qmi/sar 4 -> request get_dsi(2) #1
   qmi/sar 4 <- response get_dsi(2) #1 result=0 error=0 dsi=4294967295
   qmi/sar 4 -- closed
