@@ -17,7 +17,7 @@ Free: linked while the handset is there. What is written arrives as it is, with 
 
 Another handset leaves it alone, says so when its command wants the device, and has its terminal all the same.
 
-  $ vxk-handset run --dir other -- sh -c 'echo AT2 > other/at; : vxk 8 AT; vxk-handset show' 2>err | grep 'device  '
+  $ vxk-handset run --dir other -- sh -c 'echo AT2 > other/at; : vxk 8 AT; until grep -q AT2 other/log/wire.log; do sleep 0.02; done; vxk-handset show' 2>err | grep 'device  '
     device    none
   $ sed "s|$CRAMTMP|TMP|g; s|$PWD|PWD|g" err
   vxk-handset: cannot link TMP/smd8, so vxk 8 does not reach this handset, only TMP/at_device.t/other/at does: it belongs to the handset in TMP/h1
