@@ -1,5 +1,6 @@
 // The verdict table: what success and failure of each command of the tool look like, what its answer holds,
-// how it is proven, and what nobody can know from its output.
+// how it is proven, and what nobody can know from its output. The documents and the shells' completion are
+// made of it too (packaging/commands.cpp).
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -27,6 +28,10 @@ enum class Proof {
 struct Row {
     const char* words;
     const char* does;
+    /// How manual and README go on from there. Words stand in backquotes; the values that a word can have
+    /// follow it, "`word` 0 this, 1 that;" or "`word` 0 to 5;", and the shells complete it so. "(changes)":
+    /// the handset stays changed.
+    const char* more;
     std::vector<const char*>
         success;  ///< patterns of whole lines; none: success is the absence of a failure line
     std::vector<const char*> failure;
