@@ -1,14 +1,10 @@
 // Commands to an eUICC: records of `u8 channel` and a short block, the command. Whatever comes, it answers as
 // a card does, and what it has done it still knows when it is made anew.
-#include <stdlib.h>
-
-#include <filesystem>
-#include <string>
-
 #include "core.h"
 #include "der.h"
 #include "euicc.h"
 #include "finding.h"
+#include "ground.h"
 #include "input.h"
 
 namespace {
@@ -17,16 +13,6 @@ using handset::Card;
 
 constexpr size_t kLongest = 1024;
 constexpr uint8_t kListProfiles[] = {0x80, 0xE2, 0x91, 0, 3, 0xBF, 0x2D, 0};
-
-struct Ground {
-    Ground() { require(mkdtemp(path.data()) != nullptr, "a temporary folder can be made"); }
-    ~Ground() { std::filesystem::remove_all(path); }
-    Ground(const Ground&) = delete;
-    Ground& operator=(const Ground&) = delete;
-
-    std::string path =
-        std::filesystem::exists("/dev/shm") ? "/dev/shm/vxk-card.XXXXXX" : "/tmp/vxk-card.XXXXXX";
-};
 
 void check(const wire::Bytes& answer) {
     require(answer.size() >= 2 && answer.size() <= kLongest,
@@ -58,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     {
         handset::EventLoop loop;
-        handset::Core core(loop, ground.path, {}, {}, {});
+        handset::Core core(loop, ground.path(), {}, {}, {});
         handset::Euicc euicc(core, profile);
         for (int i = 0; i < kCommandsMax && !input.empty(); ++i) {
             const uint8_t channel = input.u8() % Card::kChannels;
@@ -70,6 +56,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         handset::Euicc again(core, profile);
         require(profiles_of(again) == profiles, "an eUICC that is made anew has the same profiles");
     }
-    std::filesystem::remove_all(ground.path + "/cards");
+    std::filesystem::remove_all(ground.at("cards"));
     return 0;
 }

@@ -5,6 +5,8 @@
 namespace handset {
 namespace {
 
+constexpr uint64_t kEndOfYear9999 = 253402214400;  // but for a day, so that it is in every zone
+
 // Little-endian numbers, a few at a time.
 class Numbers {
 public:
@@ -53,8 +55,9 @@ std::optional<WireRecord> take_record(wire::View& bytes) {
         return std::nullopt;
     wire::Reader fields(whole);
     WireRecord record;
-    record.time.tv_sec = static_cast<time_t>(fields.u64());
-    record.time.tv_nsec = static_cast<long>(fields.u32());
+    // Of a file that is damaged they may be none that a calendar has.
+    record.time.tv_sec = static_cast<time_t>(std::min(fields.u64(), kEndOfYear9999));
+    record.time.tv_nsec = static_cast<long>(std::min<uint32_t>(fields.u32(), 999'999'999));
     record.direction = static_cast<Direction>(std::min<uint8_t>(fields.u8(), 2));
     record.connection = fields.u32();
     record.pid = static_cast<pid_t>(fields.u32());

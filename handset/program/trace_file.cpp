@@ -24,7 +24,7 @@ std::chrono::microseconds time_of(const std::string& text) {
     tm date{};
     char zone[8] = {};
     int microseconds = 0;
-    if (sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d.%6d%7s", &date.tm_year, &date.tm_mon, &date.tm_mday,
+    if (sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%6d%7s", &date.tm_year, &date.tm_mon, &date.tm_mday,
                &date.tm_hour, &date.tm_min, &date.tm_sec, &microseconds, zone) != 8)
         throw Error("no time as RFC 3339 has it: \"" + text + "\"");
     date.tm_year -= 1900;

@@ -1,0 +1,212 @@
+// The libraries below the commands, with arguments that no command gives them and several calls in one
+// process: `u8 call, u8 argument`, what the call below takes, and the modem's records for it, again and
+// again.
+#include "finding.h"
+#include "group7_debug_info.h"
+#include "group7_stats.h"
+#include "group7_unpack.h"
+#include "group9_session.h"
+#include "group9_stats_qmi.h"
+#include "kelvra_cmn_cmd_send.h"
+#include "kelvra_diag_send.h"
+#include "kelvra_extend_cmn.h"
+#include "kelvra_extend_nvefs.h"
+#include "modem.h"
+#include "modem_api.h"
+#include "modem_api_events.h"
+#include "modem_api_slots.h"
+#include "platform_double.h"
+#include "qcril_memory_management.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+void check(const CommonResponse& response) {
+    require(response.arrived <= kCommonResponseMax, "no more than fits is told");
+    require(!response.is_whole() || response.result() != 0 || response.value_len() <= kCommonValueMax,
+            "a whole value lies in the response");
+}
+
+// The extension channel, file transfer and the counters of the statistics feature: `argument` is a choice and
+// a subscription.
+void extension(Input& input, uint8_t argument) {
+    const int sub = argument % 4 - 1;
+    const int32_t number = input.i32();
+    const Bytes name = input.short_block();
+    const auto* const path = reinterpret_cast<const char*>(name.data());
+    const auto path_len = static_cast<int>(name.size());
+    const Bytes data = input.block();
+    const auto data_len = static_cast<uint32_t>(data.size());
+    Bytes buffer(input.u16());
+    auto told = static_cast<uint32_t>(buffer.size());
+    CommonResponse response;
+    switch (argument / 4 % 11) {
+        case 0:
+            kelvra_extend_qmi_send_sync(static_cast<uint32_t>(number), data.data(),
+                                        static_cast<int>(data.size()), buffer.data(), &told);
+            break;
+        case 1:
+            kelvra_efs_read(sub, path, path_len, buffer.data(), &told);
+            break;
+        case 2:
+            kelvra_efs_write(sub, path, path_len, data.data(), data_len);
+            break;
+        case 3:
+            kelvra_efs_delete(sub, path, path_len);
+            break;
+        case 4:
+            kelvra_nv_read(sub, number, buffer.data(), &told);
+            break;
+        case 5:
+            kelvra_nv_write_ex(sub, number, data.data(), data_len);
+            break;
+        case 6:
+            kelvra_nv_delete(sub, number);
+            break;
+        case 7:
+            kelvra_common_qmi_req(static_cast<uint32_t>(number), &response);
+            return check(response);
+        case 8:
+            kelvra_send_common_qmi_msg(static_cast<uint32_t>(number), data_len, data.data(), &response);
+            return check(response);
+        case 9:
+            kelvra_cmn_cmd_send(number, data_len, reinterpret_cast<const char*>(data.data()));
+            break;
+        default:
+            kelvra_test_modem_stats_get_debug_info_do(sub);
+    }
+    require(told <= buffer.size(), "no more than fits is told");
+}
+
+// A diag command; in `argument` 1: over the DCI road, 2: nobody waits.
+void diag(Input& input, uint8_t argument) {
+    const int time_out = 10 * static_cast<int16_t>(input.u16());
+    const int room = std::min<int>(static_cast<int16_t>(input.u16()), DIAG_RSP_BUF_MAX);
+    Bytes command = input.block();
+    const auto size = static_cast<int>(command.size());
+    Bytes reply(DIAG_RSP_BUF_MAX);
+    int told = room;
+    if ((argument & 2) != 0)
+        kelvra_diag_cmd_send_without_result_start_thread(command.data(), size, argument & 1);
+    else if ((argument & 1) != 0)
+        kelvra_diag_cmd_send_with_result_by_dci_mode(command.data(), size, time_out, reply.data(), &told);
+    else
+        kelvra_diag_cmd_send_with_result_by_callback_mode(command.data(), size, time_out, reply.data(),
+                                                          &told);
+    require(told <= room, "no more than fits is told");
+    wait_for_threads();
+}
+
+// What is left is a record of the statistics; 1: its parser is traced.
+void record(Input& input, uint8_t argument) {
+    Bytes payload = input.rest();
+    payload.resize(kUnpkBufferMin);
+    g_unpk_print = argument & 1;
+    kelvra_test_modem_stats_parsing_process_do(payload.data());
+}
+
+// A session of the statistics service
+
+template <typename Data>
+const Data& as(const void* data, int len) {
+    require(len == sizeof(Data), "an event has its layout's length");
+    return *static_cast<const Data*>(data);
+}
+
+void check_entries(const vs_report_entry_v01* entries, uint32_t count, uint32_t most) {
+    require(count <= most, "an event's count does not exceed its array");
+    for (uint32_t i = 0; i < count; ++i)
+        require(entries[i].value_len <= sizeof entries[i].value, "nor does the length of a value");
+}
+
+void take_event(int event, void* data, int len) {
+    switch (event) {
+        case MODEM_API_EVENT_STATUS:
+            require(as<modem_api_status_event>(data, len).first <= 1, "a flag is 0 or 1");
+            break;
+        case MODEM_API_EVENT_REPORT: {
+            const auto& report = as<modem_api_report_event>(data, len);
+            check_entries(report.first, report.first_count, VS_ENTRIES_MAX_V01);
+            check_entries(report.second, report.second_count, VS_REPORT_SECOND_MAX_V01);
+            break;
+        }
+        case MODEM_API_EVENT_BYTES:
+            require(as<modem_api_bytes_event>(data, len).count <= VS_BYTES_IND_MAX_V01,
+                    "an event's count does not exceed its array");
+            break;
+        default:
+            as<modem_api_state_event>(data, len);
+    }
+}
+
+void measure(Input& input, uint8_t argument) {
+    kelvra_test_qmi_modem_stats_hdl(argument, input.u8() % 3);
+}
+
+void get(Input& input, uint8_t argument) {
+    KolvoValue value;
+    kelvra_test_qmi_modem_stats_get(argument, input.u8(), &value);
+}
+
+void get_list(Input& input, uint8_t argument) {
+    modem_stats_param_list list{};
+    list.count = argument;
+    for (auto& param : list.params) {
+        param.id = input.u8();
+        param.value_len = std::min<uint32_t>(input.u16(), VS_VALUE_MAX_V01);
+    }
+    modem_api_get_stats_parameter(0, argument, &list);
+    require(list.count <= VS_ENTRIES_MAX_V01 || list.count == argument, "no more entries than fit are told");
+}
+
+void set_feature(Input&, uint8_t) {
+    modem_api_set_kolvo_feature_status();
+}
+
+void indication(Input& input, uint8_t) {
+    indicate(input, vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
+                                                       VS_V01_IDL_TOOL_VERS));
+}
+
+// Frees the response, of which nobody may have kept less than it says.
+void take_response(void* data, uint32_t len, void*, int) {
+    static_cast<void>(Bytes(static_cast<uint8_t*>(data), static_cast<uint8_t*>(data) + len));
+    kolvo_free_adv(data);
+}
+
+void asynchronous_response(Input& input, uint8_t argument) {
+    const int error = -static_cast<int>(input.u8() % 6);
+    const Bytes bytes = input.block();
+    void* const response = bytes.empty() ? nullptr : kolvo_malloc_adv(bytes.size(), "response");
+    if (response != nullptr)
+        std::copy(bytes.begin(), bytes.end(), static_cast<uint8_t*>(response));
+    auto* const cb =
+        static_cast<modem_api_cb_struct_type*>(kolvo_malloc_adv(sizeof(modem_api_cb_struct_type), "cb"));
+    if (cb != nullptr)
+        cb->callback = (argument & 1) != 0 ? take_response : nullptr;
+    vs_client_command_cb(nullptr, argument / 2, response,
+                         response == nullptr ? 0 : static_cast<unsigned>(bytes.size()), cb, error);
+}
+
+// The seeds know the calls by their places.
+constexpr void (*kCalls[])(Input&, uint8_t argument) = {
+    extension, diag, record, measure, get, get_list, set_feature, indication, asynchronous_response,
+};
+
+constexpr int kCallsMax = 12;
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Input input(data, size);
+    run_tool(input, [&] {
+        modem_api_init();
+        modem_api_init_client(MODEM_API_CLIENT_VS, take_event, nullptr);
+        for (int i = 0; i < kCallsMax && !input.empty(); ++i) {
+            const auto call = kCalls[input.u8() % std::size(kCalls)];
+            call(input, input.u8());
+        }
+    });
+    return 0;
+}
