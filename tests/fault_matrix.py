@@ -9,7 +9,7 @@ made; each of them is then spoilt by each fault that fits it, every time on a ne
 - it prints the command's failure line, or its success line where the failure does not matter, and not the other one;
 - it leaves every file and property as it was, or as a success leaves it.
 
-Prints one table and a closing line; the status is 1 when a case failed.
+Prints a line for each command, what failed, and a closing line; the status is 1 when a case failed.
 """
 
 from __future__ import annotations
@@ -26,6 +26,7 @@ import time
 from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
+from fnmatch import fnmatch
 from functools import cache
 from pathlib import Path
 from typing import Any, Iterable, Iterator
@@ -33,7 +34,6 @@ from typing import Any, Iterable, Iterator
 from fault_commands import COMMANDS, LIES, Command
 
 TIME_OUTS = {"extension": 3, "uim": 3, "statistics": 30, "sar": 30, "diag": 5}
-COLUMNS = ("late", "no answer", "result", "cut", "lie", "closed", "withdrawn")
 
 # What a machine may take on top of what the protocol allows; more of it where the programs are slowed down.
 SLACK = 15 * float(os.environ.get("VXK_TEST_SLOWNESS", "1"))
@@ -59,37 +59,30 @@ exec "$0" "$@"
 
 @dataclass(frozen=True)
 class Exchange:
-    """The n-th exchange of a command with a service, as the wire log of its healthy run has it."""
+    """The n-th exchange of a command with a service in its healthy run."""
 
     service: str
     label: str
     number: int
-    fields: str  # of the answer
+    answer: bytes  # without its header
 
     @property
     def payload(self) -> bytes:
-        """Of an answer of the extension service."""
-        return logged_bytes(self.fields, "data")
-
-    @property
-    def has_content(self) -> bool:
-        """Whether there is more in an answer of another service than its result."""
-        return bool(re.sub(r"\b(result|error)=\S+|\btlvs=\[.*\]", "", self.fields).strip())
-
-    @property
-    def last_byte(self) -> int:
-        """The place of an answer's last byte; 0 when the log does not tell."""
-        return len(logged_bytes(self.fields, "tlvs") or b"0") - 1
+        """Of an answer of the extension service: what is behind id and length, 7 bytes each, and a header of 3."""
+        return self.answer[17:]
 
 
 @dataclass(frozen=True)
 class Fault:
     """One way to spoil an exchange; `effect` is what the tool's client sees of it."""
 
-    column: str
     name: str
     effect: str
     action: dict[str, Any]
+
+
+# Not of an exchange, but of the whole modem.
+RESTART = Fault("modem restarts", "away", {})
 
 
 @dataclass(frozen=True)
@@ -100,7 +93,8 @@ class Run:
     output: str
     errors: str
     state: dict[str, bytes]
-    wire: str
+    spoilt: bool  # the modem has met its fault
+    exchanges: list[Exchange]
     seconds: float
 
 
@@ -109,13 +103,29 @@ class Case:
     command: Command
     healthy: Run
     row: str
-    column: str
-    name: str
-    expected: str  # "success", "failure" or "abort"
+    fault: Fault
     limit: float
-    goes_on: bool = False
-    fault: dict[str, Any] | None = None
-    during_restart: bool = False
+    entry: dict[str, Any] | None = None  # of the profile
+
+    @property
+    def expected(self) -> str:
+        """What the command makes of the fault: "success", "failure" or "abort"."""
+        if self.fits(self.command.aborts):
+            return "abort"
+        return "success" if self.fault.effect == "delayed" or self.fits(self.command.spares) else "failure"
+
+    def fits(self, patterns: tuple[str, ...]) -> bool:
+        names = (f"{self.row}:{self.fault.effect}", f"{self.row}:{self.fault.name}")
+        return any(fnmatch(name, pattern) for name in names for pattern in patterns)
+
+    @property
+    def waits(self) -> int:
+        """Seconds that the case sleeps, mostly out a time-out."""
+        if self.fault is RESTART:
+            return 2
+        if not self.entry or self.fault.name not in ("no answer", "too late"):
+            return 0
+        return TIME_OUTS[self.entry.get("service", "diag")]
 
 
 def hex_bytes(data: bytes) -> str:
@@ -141,31 +151,30 @@ def common_faults(exchange: Exchange) -> Iterator[Fault]:
     time_out = TIME_OUTS[exchange.service]
     # A restart would take the connection away before the answer.
     if exchange.label != "common 31":
-        yield Fault("late", "late", "delayed", {"action": "late", "ms": 100})
-        yield Fault("late", "too late", "silent", {"action": "late", "ms": 1000 * time_out + 1000})
-    yield Fault("no answer", "no answer", "silent", {"action": "no_answer"})
-    yield Fault("result", "refused", "refused", {"action": "result", "result": 3})
-    yield Fault("closed", "closed", "gone", {"action": "close"})
-    yield Fault("closed", "closed, acted", "gone", {"action": "close", "acts": True})
-    yield Fault("withdrawn", "withdrawn", "gone", {"action": "withdraw", "ms": 150})
+        yield Fault("late", "delayed", {"action": "late", "ms": 100})
+        yield Fault("too late", "silent", {"action": "late", "ms": 1000 * time_out + 1000})
+    yield Fault("no answer", "silent", {"action": "no_answer"})
+    yield Fault("refused", "refused", {"action": "result", "result": 3})
+    yield Fault("closed", "gone", {"action": "close"})
+    yield Fault("closed, acted", "gone", {"action": "close", "acts": True})
+    yield Fault("withdrawn", "gone", {"action": "withdraw", "ms": 150})
 
 
 def cut(keep: int, effect: str) -> Fault:
-    return Fault("cut", f"cut {keep}", effect, {"action": "cut", "keep": keep})
+    return Fault(f"cut {keep}", effect, {"action": "cut", "keep": keep})
 
 
 def lie(name: str, effect: str, tlvs: bytes) -> Fault:
-    return Fault("lie", name, effect, {"action": "tlvs", "bytes": hex_bytes(tlvs), "acts": True})
+    return Fault(name, effect, {"action": "tlvs", "bytes": hex_bytes(tlvs), "acts": True})
 
 
 def payload_lie(name: str, effect: str, payload: bytes) -> Fault:
-    return Fault("lie", name, effect, {"action": "payload", "bytes": hex_bytes(payload), "acts": True})
+    return Fault(name, effect, {"action": "payload", "bytes": hex_bytes(payload), "acts": True})
 
 
 def extension_faults(exchange: Exchange) -> Iterator[Fault]:
-    """An answer is id and length of the data, 7 bytes each, and the data behind a header of 3."""
     payload = exchange.payload
-    yield Fault("result", "modem's", "modem", {"action": "modem_result", "result": -28})
+    yield Fault("modem's", "modem", {"action": "modem_result", "result": -28})
     for keep in {0, 3, 7, 13, 16, 17, 17 + len(payload) // 2, 16 + len(payload)}:
         yield cut(keep, "garbled")
     yield cut(14, "bare")
@@ -196,9 +205,9 @@ def standard_faults(exchange: Exchange) -> Iterator[Fault]:
     """An answer starts with the standard result, 7 bytes."""
     for keep in (0, 3, 6):
         yield cut(keep, "garbled")
-    if exchange.has_content:
+    if len(exchange.answer) > 7:
         yield cut(7, "bare")
-        for keep in {8, 10, exchange.last_byte} - {0}:
+        for keep in {8, 10, len(exchange.answer) - 1}:
             yield cut(keep, "garbled")
     done = tlv(2, bytes(4))
     yield lie("narrow result", "garbled", tlv(2, bytes(3)) + done[7:])
@@ -282,13 +291,15 @@ def run(command: Command, faults: list[dict[str, Any]], limit: float, during_res
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             output, errors = process.communicate()
-        wire_log = folder / "log" / "wire.log"
+        log = subprocess.run([program("vxk-handset"), "log", "--json", "--dir", folder], stdout=subprocess.PIPE)
+        lines = [json.loads(line) for line in log.stdout.splitlines()]
         return Run(
             status=status,
             output=output.decode(errors="replace"),
             errors=errors.decode(errors="replace"),
             state=state_of(folder),
-            wire=wire_log.read_text(errors="replace") if wire_log.exists() else "",
+            spoilt=any(line["fault"] for line in lines),
+            exchanges=exchanges_of(lines),
             seconds=time.monotonic() - started,
         )
 
@@ -296,45 +307,27 @@ def run(command: Command, faults: list[dict[str, Any]], limit: float, during_res
 # ---- the exchanges of a run
 
 
-LINE = re.compile(r"^\S+ \S+ (?:qmi/)?(\S+) \S+ (->|<-) (?:request |response )?(\w+)\(\d+\) ?(?:#\d+ ?)?(.*)$")
-
-
-def field(fields: str, name: str) -> str | None:
-    found = re.search(rf'\b{name}="?([^" ]*)', fields)
-    return found.group(1) if found else None
-
-
-def logged_bytes(fields: str, name: str) -> bytes:
-    """The bytes of a field, with the zeros of a tail that is written as its count; none when it is not there."""
-    found = re.search(rf"\b{name}=\[([0-9A-F ]*)(?:\(\+(\d+) zero\))?\]", fields)
-    return bytes.fromhex(found.group(1)) + bytes(int(found.group(2) or 0)) if found else b""
-
-
-def label_of(service: str, name: str, fields: str) -> str:
-    """What the request is about: the extension service has one message for everything."""
+def label_of(service: str, line: dict[str, Any]) -> str:
+    """What a request is about: the extension service has one message for everything."""
+    fields = line["fields"]
     if service != "extension":
-        return name
-    command, form = field(fields, "command"), field(fields, "form")
-    if form in ("tlv", "direct"):
-        return f"common {field(fields, 'code')}"
-    return form or command or f"raw {field(fields, 'id')}"
+        return line["message"]
+    if fields.get("form") in ("tlv", "direct"):
+        return f"common {fields['code']}"
+    return fields.get("form") or fields.get("command") or f"raw {fields['id']}"
 
 
-def exchanges_of(wire: str) -> list[Exchange]:
+def exchanges_of(lines: list[dict[str, Any]]) -> list[Exchange]:
     exchanges: list[Exchange] = []
     open_requests: dict[str, str] = {}
-    counts: Counter[str] = Counter()
-    for line in wire.splitlines():
-        found = LINE.match(line)
-        if not found or found.group(1) not in TIME_OUTS:
-            continue
-        service, direction, name, fields = found.groups()
-        if direction == "->":
-            open_requests[service] = label_of(service, name, fields)
-        elif service in open_requests:
-            label = open_requests.pop(service)
-            exchanges.append(Exchange(service, label, counts[service], fields))
-            counts[service] += 1
+    for line in lines:
+        service = line["service"] or line["road"]
+        if line["kind"] == "request":
+            open_requests[service] = label_of(service, line)
+        elif line["kind"] == "response" and service in open_requests:
+            number = sum(exchange.service == service for exchange in exchanges)
+            answer = bytes.fromhex(line["bytes"])[1 if service == "diag" else 7 :]
+            exchanges.append(Exchange(service, open_requests.pop(service), number, answer))
     return exchanges
 
 
@@ -351,34 +344,15 @@ ANY = "any"
 
 def cases_of(command: Command, healthy: Run) -> Iterator[Case]:
     # How far a detached thread comes before the process ends is chance.
-    exchanges = [Exchange("diag", ANY, 0, "")] if command.detached else exchanges_of(healthy.wire)
+    exchanges = [Exchange("diag", ANY, 0, b"")] if command.detached else healthy.exchanges
     limit = command.seconds + sum(TIME_OUTS[exchange.service] for exchange in exchanges) + SLACK
     seen: Counter[str] = Counter()
     for exchange in exchanges:
         seen[exchange.label] += 1
         row = exchange.label if seen[exchange.label] == 1 else f"{exchange.label} #{seen[exchange.label]}"
         for fault in faults_of(exchange):
-            yield Case(
-                command=command,
-                healthy=healthy,
-                row=row,
-                column=fault.column,
-                name=fault.name,
-                expected=command.expected(row, fault.effect, fault.name),
-                goes_on=command.goes_on_after(row, fault.effect, fault.name),
-                limit=limit,
-                fault=fault_entry(command, exchange, fault),
-            )
-    yield Case(
-        command=command,
-        healthy=healthy,
-        row="start",
-        column="withdrawn",
-        name="modem restarts",
-        expected=command.expected("start", "away", "modem restarts"),
-        limit=limit + 10,
-        during_restart=True,
-    )
+            yield Case(command, healthy, row, fault, limit, fault_entry(command, exchange, fault))
+    yield Case(command, healthy, "start", RESTART, limit + 10)
 
 
 @cache
@@ -405,11 +379,10 @@ def complaint_of_status(status: int | None, expected: str, result: Run) -> str |
     return f"writes to standard error: {unexpected}" if unexpected else None
 
 
-def complaint_of_output(command: Command, expected: str, goes_on: bool, output: str) -> str | None:
-    row = verdict_row(command.words)
-    success = command.success or row["success"]
-    succeeds, fails = prints(success, output), prints(command.failure or row["failure"], output)
-    if expected == "success" and success and not succeeds:
+def complaint_of_output(words: str, expected: str, goes_on: bool, output: str) -> str | None:
+    row = verdict_row(words)
+    succeeds, fails = prints(row["success"], output), prints(row["failure"], output)
+    if expected == "success" and row["success"] and not succeeds:
         return "no success line"
     if expected == "success" and fails:
         return "a failure line"
@@ -427,32 +400,24 @@ def complaint_of_state(case: Case, state: dict[str, bytes]) -> str | None:
     for path in sorted({*before, *after, *state}):
         if state.get(path) == after.get(path):
             continue
-        if case.name == "late" or state.get(path) != before.get(path):
+        if case.fault.name == "late" or state.get(path) != before.get(path):
             return f"leaves another {path}"
     return None
 
 
 def check(case: Case) -> tuple[str | None, Run]:
-    result = run(case.command, [case.fault] if case.fault else [], case.limit, case.during_restart)
+    result = run(case.command, [case.entry] if case.entry else [], case.limit, case.fault is RESTART)
     complaint = complaint_of_status(result.status, case.expected, result)
     if complaint is None and case.expected != "abort":
-        complaint = complaint_of_output(case.command, case.expected, case.goes_on, result.output)
+        goes_on = case.fits(case.command.goes_on)
+        complaint = complaint_of_output(case.command.words, case.expected, goes_on, result.output)
     if complaint is None:
         complaint = complaint_of_state(case, result.state)
     # An answer that is too late for the command is too late for the log.
-    happened = result.seconds >= waits(case) if case.name == "too late" else 'fault="' in result.wire
-    if complaint is None and case.fault and case.row != ANY and not happened:
+    happened = result.seconds >= case.waits if case.fault.name == "too late" else result.spoilt
+    if complaint is None and case.entry and case.row != ANY and not happened:
         complaint = "the fault did not happen"
     return complaint, result
-
-
-def waits(case: Case) -> int:
-    """Seconds that the case sleeps, mostly out a time-out."""
-    if case.during_restart:
-        return 2
-    if not case.fault or case.name not in ("no answer", "too late"):
-        return 0
-    return TIME_OUTS[case.fault.get("service", "diag")]
 
 
 def chosen(cases: list[Case], short: bool, long: bool) -> list[Case]:
@@ -461,8 +426,8 @@ def chosen(cases: list[Case], short: bool, long: bool) -> list[Case]:
     seen: set[tuple[str, str]] = set()
     kept: list[Case] = []
     for case in cases:
-        key = (case.row, case.name)
-        if key in seen and (short or (waits(case) > 5 and not long)):
+        key = (case.row, case.fault.name)
+        if key in seen and (short or (case.waits > 5 and not long)):
             continue
         if case.row != "start":
             seen.add(key)
@@ -470,27 +435,11 @@ def chosen(cases: list[Case], short: bool, long: bool) -> list[Case]:
     return kept
 
 
-def table(results: list[tuple[Case, str | None]]) -> list[str]:
-    rows: dict[tuple[str, str], dict[str, bool]] = {}
-    for case, complaint in results:
-        cells = rows.setdefault((case.command.words, case.row), {})
-        cells[case.column] = cells.get(case.column, True) and complaint is None
-    first = max((len(words) for words, _ in rows), default=0)
-    second = max((len(row) for _, row in rows), default=0)
-    lines = [" ".join([f"{'vxk':{first}} {'exchange':{second}}", *COLUMNS])]
-    for (words, row), cells in rows.items():
-        texts = [
-            f"{('ok' if cells[column] else 'FAIL') if column in cells else '-':{len(column)}}" for column in COLUMNS
-        ]
-        lines.append(" ".join([f"{words:{first}} {row:{second}}", *texts]).rstrip())
-    return lines
-
-
 def report(case: Case, complaint: str, result: Run) -> str:
-    profile = {**case.command.profile, "faults": [case.fault] if case.fault else []}
+    profile = {**case.command.profile, "faults": [case.entry] if case.entry else []}
     tail = "".join(f"    {line}\n" for line in result.output.splitlines()[-12:])
     return (
-        f"\nvxk {case.command.words}, {case.row}, {case.name}: {complaint}; expected: {case.expected}\n"
+        f"\nvxk {case.command.words}, {case.row}, {case.fault.name}: {complaint}; expected: {case.expected}\n"
         f"    profile: {json.dumps(profile)}\n{tail}"
     )
 
@@ -510,26 +459,24 @@ def main() -> int:
     with ThreadPoolExecutor(options.jobs) as busy, ThreadPoolExecutor(SLEEPERS) as asleep:
         healthy = list(busy.map(lambda command: run(command, [], command.seconds + SLACK), commands))
         for command, result in zip(commands, healthy):
-            complaint = complaint_of_status(result.status, "success", result) or complaint_of_output(
-                command, "success", False, result.output
-            )
+            complaint = complaint_of_status(result.status, "success", result)
+            complaint = complaint or complaint_of_output(command.words, "success", False, result.output)
             if complaint:
                 print(f"vxk {command.words} on a healthy handset: {complaint}\n{result.output}")
                 return 1
         cases = [case for pair in zip(commands, healthy) for case in cases_of(*pair)]
         cases = chosen(cases, options.short, options.long)
         # The longest first, so that their sleep is over when the rest is.
-        order = sorted(range(len(cases)), key=lambda index: -waits(cases[index]))
-        pending = {index: (asleep if waits(cases[index]) else busy).submit(check, cases[index]) for index in order}
+        order = sorted(range(len(cases)), key=lambda index: -cases[index].waits)
+        pending = {index: (asleep if cases[index].waits else busy).submit(check, cases[index]) for index in order}
         checked = [pending[index].result() for index in range(len(cases))]
 
-    print("\n".join(table([(case, complaint) for case, (complaint, _) in zip(cases, checked)])))
-    failed = 0
-    for case, (complaint, result) in zip(cases, checked):
-        if complaint:
-            failed += 1
-            print(report(case, complaint, result), end="")
-    print(f"\n{len(cases) - failed} passed, {failed} failed")
+    for command in commands:
+        complaints = [complaint for case, (complaint, _) in zip(cases, checked) if case.command is command]
+        print(f"{len(complaints):5} cases, {sum(map(bool, complaints)):3} failed: vxk {command.words}")
+    failed = [(case, *outcome) for case, outcome in zip(cases, checked) if outcome[0]]
+    print("".join(report(*failure) for failure in failed))
+    print(f"{len(cases) - len(failed)} passed, {len(failed)} failed")
     return 1 if failed or not cases else 0
 
 
