@@ -8,7 +8,7 @@
 
 #include "describe.h"
 #include "port.h"
-#include "qmi_names.h"
+#include "qmi_error.h"
 #include "wire.h"
 
 namespace handset {

@@ -17,7 +17,7 @@ void read_profile(Section& section, SarProfile& sar) {
 }
 
 SarService::SarService(Core& core, const SarProfile& profile)
-    : QmiService(core, kSarServiceId), core_(core), profile_(profile) {
+    : QmiService(core, messages::kSar), core_(core), profile_(profile) {
     core.control().add_setting("sar", [this](Section& section) {
         SarProfile changed = profile_;
         read_profile(section, changed);

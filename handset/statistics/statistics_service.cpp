@@ -148,7 +148,7 @@ void read_profile(Section& section, StatisticsProfile& statistics) {
 }
 
 StatisticsService::StatisticsService(Core& core, const StatisticsProfile& profile)
-    : QmiService(core, kStatisticsServiceId), profile_(profile) {
+    : QmiService(core, messages::kStatistics), profile_(profile) {
     core.control().add_setting("statistics", [this](Section& section) { return read_change(section); });
     core.state().set("statistics", "values", profile_.values.size());
     core.state().set("statistics", "indications", profile_.indications.size());

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "qmi_names.h"
+#include "qmi_error.h"
 #include "wire.h"
 
 namespace handset {

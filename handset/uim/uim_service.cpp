@@ -81,7 +81,7 @@ void read_profile(Section& section, UimProfile& uim) {
 }
 
 UimService::UimService(Core& core, UimSlots& slots, const UimProfile& profile)
-    : QmiService(core, kUimServiceId), profile_(profile), slots_(slots) {
+    : QmiService(core, messages::kUim), profile_(profile), slots_(slots) {
     wire::Writer status;
     put_slot_status(status, slots_);
     told_slots_ = status.take();

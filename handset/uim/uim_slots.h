@@ -13,7 +13,7 @@
 
 #include "cards.h"
 #include "euicc.h"
-#include "qmi_names.h"
+#include "qmi_error.h"
 
 namespace handset {
 

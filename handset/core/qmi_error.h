@@ -1,18 +1,10 @@
-// The QMI services that the handset has, and the error words of their answers.
+// The error words of the QMI services' answers.
 #pragma once
 
 #include <cstdint>
 
-#include "messages.h"
-
 namespace handset {
 
-constexpr uint16_t kUimServiceId = messages::kUim;
-constexpr uint16_t kSarServiceId = messages::kSar;
-constexpr uint16_t kExtensionServiceId = messages::kExtension;
-constexpr uint16_t kStatisticsServiceId = messages::kStatistics;
-
-/// Error words of a QMI answer.
 enum QmiError : uint16_t {
     kQmiErrorNone = 0,
     kQmiErrorMalformed = 1,
