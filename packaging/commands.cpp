@@ -87,12 +87,24 @@ std::vector<Choice> values_of(const Row& row, const std::string& word) {
     return values.empty() && known != kAnywhere.end() ? known->second : values;
 }
 
-/// What the help calls a command.
-std::string title(const Command& command) {
-    const char* const start = strstr(command.help, "/* ");
-    if (start == nullptr)
-        return {};
-    std::string text(start + 3, strcspn(start + 3, ",:(*\n"));
+/// What a sub-option does: its row says it, or the help where it shares a row or has several.
+std::string title(const Group& group, const Command& command) {
+    const Words wanted{std::to_string(group.number), std::to_string(command.sub_option)};
+    size_t found = 0;
+    const char* does = "";
+    for (const Row& row : check::verdict_table()) {
+        const std::vector<Words> lines = command_lines(row);
+        for (const Words& line : lines) {
+            if (std::equal(wanted.begin(), wanted.end(), line.begin())) {
+                found += lines.size();
+                does = row.does;
+            }
+        }
+    }
+    const char* const comment = strstr(command.help, "/* ");
+    if (found == 1 || comment == nullptr)
+        return does;
+    const std::string text(comment + 3, strcspn(comment + 3, ",:(*\n"));
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
@@ -109,59 +121,49 @@ void add(Choices& choices, size_t place, const Words& line, const Choice& choice
 
 Choices all_choices() {
     Choices choices;
-    std::map<std::string, int> rows_of;
-    std::map<std::string, std::string> does;
     for (const Row& row : check::verdict_table()) {
-        const std::vector<Words> lines = command_lines(row);
-        for (const Words& line : lines) {
+        for (const Words& line : command_lines(row)) {
+            const Group* const group = find_group(std::stoi(line[0]));
+            for (size_t i = 0; group != nullptr && i < group->count; ++i) {
+                const Command& command = group->commands[i];
+                if (command.sub_option != kNoSubOption)
+                    add(choices, 2, line, {std::to_string(command.sub_option), title(*group, command)});
+            }
             for (size_t place = 2; place <= line.size(); ++place) {
                 const std::string& word = line[place - 1];
-                if (!is_number(word))
+                if (!is_number(word)) {
                     for (const Choice& value : values_of(row, word))
                         add(choices, place, line, value);
-                else if (place > 2)
+                } else if (place > 2) {
                     add(choices, place, line, {word, row.does});
+                }
             }
-            // What several rows or one row of several sub-options say is none's title.
-            rows_of[line[0] + "." + line[1]] += static_cast<int>(lines.size());
-            does[line[0] + "." + line[1]] = row.does;
         }
-        const Group* const group = find_group(std::stoi(lines[0][0]));
-        for (size_t i = 0; i < group->count; ++i)
-            if (group->commands[i].sub_option != kNoSubOption)
-                add(choices, 2, lines[0],
-                    {std::to_string(group->commands[i].sub_option), title(group->commands[i])});
     }
-    for (auto& [key, list] : choices)
-        for (Choice& choice : list) {
-            const std::string sub_option = key.substr(2, key.size() - 3) + choice.word;
-            if (key[0] == '2' && rows_of[sub_option] == 1)
-                choice.meaning = does[sub_option];
-        }
     return choices;
 }
 
-Words bash_choices() {
+/// The arms of a shell's case, which set `variable` to the choices as `written` writes each.
+Words arms(const char* variable, const std::function<std::string(const Choice&)>& written) {
     Words lines;
     for (const auto& [key, list] : all_choices()) {
         std::string words;
         for (const Choice& choice : list)
-            words += (words.empty() ? "" : " ") + choice.word;
-        lines.push_back(key + ") words=(" + words + ") ;;");
+            words.append(words.empty() ? "" : " ").append(written(choice));
+        lines.emplace_back(key).append(") ").append(variable).append("=(").append(words).append(") ;;");
     }
     return lines;
 }
 
+Words bash_choices() {
+    return arms("words", [](const Choice& choice) { return choice.word; });
+}
+
 Words zsh_choices() {
-    Words lines;
-    for (const auto& [key, list] : all_choices()) {
-        std::string words;
-        for (const Choice& choice : list)
-            words += " '" + choice.word +
-                     (choice.meaning.empty() ? "" : ":" + replaced(choice.meaning, "'", "'\\''")) + "'";
-        lines.push_back(key + ") choices=(" + words.substr(1) + ") ;;");
-    }
-    return lines;
+    return arms("choices", [](const Choice& choice) {
+        const std::string meaning = choice.meaning.empty() ? "" : ":" + choice.meaning;
+        return "'" + choice.word + replaced(meaning, "'", "'\\''") + "'";
+    });
 }
 
 Words manual_entries() {

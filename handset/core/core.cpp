@@ -2,8 +2,8 @@
 
 #include "error.h"
 #include "hex_text.h"
+#include "messages.h"
 #include "profile_section.h"
-#include "qmi_service.h"
 #include "socket_transport.h"
 
 namespace handset {
@@ -58,10 +58,6 @@ void Core::show_faults() {
         state_.set("faults", std::to_string(++number), line.fault + ", " + line.left);
 }
 
-void Core::add_service(QmiService& service) {
-    services_.push_back(&service);
-}
-
 void Core::indicate(const Control::Words& words) {
     if (words.size() < 2)
         throw Error("event indication takes a service, the indication's number and its TLVs");
@@ -76,10 +72,10 @@ void Core::indicate(const Control::Words& words) {
         throw Error("the TLVs are bytes in hexadecimal, \"01 02 FF\"");
     const auto number = number_in(words[1], "an indication", 0, UINT16_MAX);
     std::string names;
-    for (QmiService* service : services_) {
-        if (service->id() == id)
-            return service->indicate(static_cast<uint16_t>(number), *tlvs);
-        names += (names.empty() ? "" : ", ") + messages::service_name(service->id());
+    for (const Service& service : services_) {
+        if (service.id == id)
+            return service.indicate(static_cast<uint16_t>(number), *tlvs);
+        names += (names.empty() ? "" : ", ") + messages::service_name(service.id);
     }
     throw Error("the handset has no service " + words[0] + "; it has " + names);
 }
@@ -165,12 +161,12 @@ void Core::go_away(std::chrono::milliseconds time) {
 }
 
 void Core::publish() {
-    for (Port* port : ports_)
+    for (Published* port : ports_)
         port->publish();
 }
 
 void Core::withdraw() {
-    for (Port* port : ports_)
+    for (Published* port : ports_)
         port->withdraw();
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "control.h"
@@ -14,14 +15,12 @@
 #include "event_loop.h"
 #include "fault.h"
 #include "folder.h"
-#include "port.h"
 #include "replay.h"
 #include "state_board.h"
 #include "wire_log.h"
 
 namespace handset {
 
-class QmiService;
 class Section;
 
 struct ModemProfile {
@@ -31,8 +30,19 @@ struct ModemProfile {
 
 void read_profile(Section& section, ModemProfile& modem);
 
+/// What goes away with the modem and comes back with it.
+class Published {
+public:
+    virtual ~Published() = default;
+    /// Throws Error when it cannot be.
+    virtual void publish() = 0;
+    virtual void withdraw() = 0;
+};
+
 class Core {
 public:
+    using Indicate = std::function<void(uint16_t message, const wire::Bytes& tlvs)>;
+
     /// Takes the folder. Ports are reached by sockets in it and by the further transports. Throws Error when
     /// the folder cannot be used.
     Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem,
@@ -67,10 +77,10 @@ public:
 
     /// Every port calls this as it is made. It is published with the others and lives until they are
     /// withdrawn for good.
-    void add_port(Port& port) { ports_.push_back(&port); }
+    void add_port(Published& port) { ports_.push_back(&port); }
 
-    /// Every QMI service calls this as it is made, to be found by its number.
-    void add_service(QmiService& service);
+    /// Every QMI service calls this as it is made: how a person has it send an indication.
+    void add_service(uint16_t id, Indicate indicate) { services_.push_back({id, std::move(indicate)}); }
 
     /// Called whenever the modem has just gone away, to bring a subject's state to that after power-up.
     void on_restart(std::function<void()> action) { restart_actions_.push_back(std::move(action)); }
@@ -91,6 +101,11 @@ public:
     std::chrono::milliseconds restart_time() const { return modem_.restart_time; }
 
 private:
+    struct Service {
+        uint16_t id;
+        Indicate indicate;
+    };
+
     void publish();
     void withdraw();
     void go_away(std::chrono::milliseconds time);
@@ -108,8 +123,8 @@ private:
     Control control_;
     std::vector<std::unique_ptr<Transport>> transports_;
     std::vector<std::function<void()>> restart_actions_;
-    std::vector<Port*> ports_;
-    std::vector<QmiService*> services_;
+    std::vector<Published*> ports_;
+    std::vector<Service> services_;
     ConnectionId last_connection_ = 0;
     unsigned restarts_ = 0;
     bool away_ = false;

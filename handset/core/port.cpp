@@ -42,7 +42,7 @@ Port::Port(Core& core, std::string where, const PortName& name) : core_(core), w
 }
 
 Port::~Port() {
-    withdraw();
+    Port::withdraw();
 }
 
 void Port::publish() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core.h"
 #include "endpoint.h"
 #include "event_loop.h"
 #include "exchange.h"
@@ -18,9 +19,7 @@
 
 namespace handset {
 
-class Core;
-
-class Port : private EndpointUser {
+class Port : public Published, private EndpointUser {
 public:
     /// `where` names the port in the wire log.
     Port(Core& core, std::string where, const PortName& name);
@@ -28,11 +27,10 @@ public:
     Port(const Port&) = delete;
     Port& operator=(const Port&) = delete;
 
-    /// Publishes the port on every transport that carries it. Throws Error when it cannot be.
-    void publish();
-
-    /// Withdraws it everywhere and closes every connection.
-    void withdraw();
+    /// On every transport that carries it.
+    void publish() override;
+    /// Everywhere, and closes every connection.
+    void withdraw() override;
     void withdraw_for(std::chrono::milliseconds time);
     bool published() const { return published_; }
 

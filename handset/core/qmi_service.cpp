@@ -92,7 +92,7 @@ wire::Writer qmi_result(uint32_t error) {
 }
 
 QmiService::QmiService(Core& core, uint16_t id) : id_(id), port_(std::make_unique<QmiPort>(core, *this)) {
-    core.add_service(*this);
+    core.add_service(id, [this](uint16_t message, const wire::Bytes& tlvs) { indicate(message, tlvs); });
 }
 
 QmiService::~QmiService() = default;

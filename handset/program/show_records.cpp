@@ -270,7 +270,6 @@ void check_since(const std::string& since) {
         since + "\"");
 }
 
-// A handset that runs may have records that are not in the file yet.
 // The lines of the system log that a choice leaves.
 void add_system_log(const std::string& folder, const LogChoice& choice, Pcap& pcap) {
     std::ifstream log(folder + "/log/system.log");
@@ -285,6 +284,7 @@ void add_system_log(const std::string& folder, const LogChoice& choice, Pcap& pc
     }
 }
 
+// A handset that runs may have records that are not in the file yet.
 std::string path_of(const std::string& folder) {
     try {
         if (running_handset(folder))

@@ -1,7 +1,9 @@
+// Android's log and syslog, whose messages go where the modem's machine keeps its system log.
+//
 // vsyslog is defined here. A fortified build would have the C library's header define it inline.
 #undef _FORTIFY_SOURCE
 
-#include "system_log.h"
+#include "android/log.h"
 
 #include <sys/syslog.h>
 
@@ -10,7 +12,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "android/log.h"
 #include "modem.h"
 
 namespace seam {
