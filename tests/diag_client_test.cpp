@@ -84,8 +84,8 @@ protected:
         ASSERT_TRUE(opened.get());
     }
 
-    TemporaryFolder folder;
-    std::optional<Listener> listener{folder.path("diag")};
+    HandsetFolder folder;
+    std::optional<Listener> listener{folder.at("diag")};
     std::unique_ptr<Peer> peer;
     int zero = 0;
     int two = 2;

@@ -2,39 +2,26 @@
 // folder, and a listener in it that plays what the test says.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include "test_folder.h"
 #include "unique_fd.h"
 #include "wire.h"
 
 /// An empty folder, named by VXK_HANDSET_DIR while this lives.
-class TemporaryFolder {
+class HandsetFolder : public TestFolder {
 public:
-    TemporaryFolder() {
-        char name[] = "/tmp/vxk-test-XXXXXX";
-        path_ = mkdtemp(name);
-        setenv("VXK_HANDSET_DIR", name, 1);
-    }
-    ~TemporaryFolder() {
-        unsetenv("VXK_HANDSET_DIR");
-        std::filesystem::remove_all(path_);
-    }
-    std::string path(const std::string& name = "") const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
+    HandsetFolder() { setenv("VXK_HANDSET_DIR", at("").c_str(), 1); }
+    ~HandsetFolder() { unsetenv("VXK_HANDSET_DIR"); }
 };
 
 /// The far end of a connection. Every wait gives up after five seconds.

@@ -30,12 +30,6 @@ extern "C" ssize_t write(int fd, const void* bytes, size_t size) {
 
 namespace {
 
-std::string content(const std::string& path) {
-    std::stringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 std::string property(const std::string& key, const char* default_value = nullptr) {
     char value[PROPERTY_VALUE_MAX];
     memset(value, 'x', sizeof value);
@@ -45,41 +39,41 @@ std::string property(const std::string& key, const char* default_value = nullptr
 }
 
 TEST(Properties, AreFiles) {
-    const TemporaryFolder folder;
+    const HandsetFolder folder;
     const std::string longest(91, 'v');
     EXPECT_EQ(property("a.b"), "");
     EXPECT_EQ(property("a.b", "1"), "1");
     EXPECT_EQ(property("a.b", std::string(200, 'd').c_str()), std::string(91, 'd'));
     EXPECT_EQ(property_set("a.b", longest.c_str()), 0);
     EXPECT_EQ(property("a.b", "1"), longest);
-    EXPECT_EQ(content(folder.path("properties/a.b")), longest);
+    EXPECT_EQ(folder.read("properties/a.b"), longest);
     EXPECT_LT(property_set("a.b", (longest + 'v').c_str()), 0);
     EXPECT_EQ(property("a.b"), longest);
-    const std::ifstream before(folder.path("properties/a.b"));
+    const std::ifstream before(folder.at("properties/a.b"));
     EXPECT_EQ(property_set("a.b", "2"), 0);
     EXPECT_EQ(property("a.b"), "2");
     EXPECT_EQ((std::stringstream() << before.rdbuf()).str(), longest) << "a reader keeps what it has opened";
     EXPECT_EQ(property_set("a.b", ""), 0);
     EXPECT_EQ(property("a.b", "3"), "3");
-    std::ofstream(folder.path("properties/by.hand")) << "on\n";
+    folder.write("properties/by.hand", "on\n");
     EXPECT_EQ(property("by.hand"), "on");
-    std::ofstream(folder.path("properties/by.hand")) << longest << longest;
+    folder.write("properties/by.hand", longest + longest);
     EXPECT_EQ(property("by.hand"), longest);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path("properties")), {}), 1);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.at("properties")), {}), 1);
 }
 
 TEST(Properties, LieInTheStateFolderOfAMachineOnTheBus) {
-    const TemporaryFolder folder;
+    const HandsetFolder folder;
     setenv("VXK_MODEM", "qrtr", 1);
-    setenv("VXK_STATE_DIR", folder.path("new/state").c_str(), 1);
+    setenv("VXK_STATE_DIR", folder.at("new/state").c_str(), 1);
     EXPECT_EQ(property("a.b", "1"), "1");
     EXPECT_EQ(property_set("a.b", "2"), 0);
     EXPECT_EQ(property("a.b"), "2");
-    EXPECT_EQ(content(folder.path("new/state/properties/a.b")), "2");
-    setenv("VXK_MODEM", ("folder:" + folder.path("handset")).c_str(), 1);
-    std::filesystem::create_directory(folder.path("handset"));
+    EXPECT_EQ(folder.read("new/state/properties/a.b"), "2");
+    setenv("VXK_MODEM", ("folder:" + folder.at("handset")).c_str(), 1);
+    std::filesystem::create_directory(folder.at("handset"));
     EXPECT_EQ(property_set("a.b", "3"), 0);
-    EXPECT_EQ(content(folder.path("handset/properties/a.b")), "3");
+    EXPECT_EQ(folder.read("handset/properties/a.b"), "3");
     for (const char* wrong : {"qrt", "qrtr:", "qrtr:x", "qrtr:4294967296", "folder:", ":"}) {
         setenv("VXK_MODEM", wrong, 1);
         EXPECT_EXIT(property("a.b"), testing::ExitedWithCode(0), std::string("VXK_MODEM is .") + wrong);
@@ -114,7 +108,7 @@ std::vector<std::string> log_lines(const std::string& path) {
 TEST(SystemLog, HasALineAMessage) {
     const std::string tag = program_invocation_short_name;
     const std::string longest(100000, 'm');
-    const TemporaryFolder folder;
+    const HandsetFolder folder;
     g_writes = 0;
     write_log(LOG_DEBUG, "rild print is started");
     write_log(LOG_USER | LOG_ERR, "two\nlines %d\n", 7);
@@ -127,15 +121,15 @@ TEST(SystemLog, HasALineAMessage) {
     EXPECT_EQ(g_writes, 5) << "one a line, so that lines of two processes never mix";
     // The library looks once a millisecond whether its file is still the right one.
     const auto pass_a_look = [] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
-    const TemporaryFolder other;
+    const HandsetFolder other;
     pass_a_look();
     write_log(LOG_WARNING, "to another folder");
-    EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to another folder"));
-    std::filesystem::remove_all(other.path("log"));
+    EXPECT_THAT(log_lines(other.at("log/system.log")), ElementsAre("W " + tag + ": to another folder"));
+    std::filesystem::remove_all(other.at("log"));
     pass_a_look();
     write_log(LOG_WARNING, "to a new file");
-    EXPECT_THAT(log_lines(other.path("log/system.log")), ElementsAre("W " + tag + ": to a new file"));
-    EXPECT_THAT(log_lines(folder.path("log/system.log")),
+    EXPECT_THAT(log_lines(other.at("log/system.log")), ElementsAre("W " + tag + ": to a new file"));
+    EXPECT_THAT(log_lines(folder.at("log/system.log")),
                 ElementsAre("D " + tag + ": rild print is started", "E " + tag + ": two lines 7",
                             "I " + tag + ": kept", "F " + tag + ": " + longest, "I KOLVO: "));
 }

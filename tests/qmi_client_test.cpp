@@ -122,7 +122,7 @@ protected:
             setenv("VXK_MODEM", "qrtr", 1);
             service.emplace();
         } else {
-            listener.emplace(folder.path("qmi/17"));
+            listener.emplace(folder.at("qmi/17"));
         }
     }
     /// The service is published, and `client` is connected to it.
@@ -150,7 +150,7 @@ protected:
         unsetenv("VXK_MODEM");
     }
 
-    TemporaryFolder folder;
+    HandsetFolder folder;
     std::optional<Listener> listener;
     std::optional<BusService> service;
     std::unique_ptr<Peer> peer;
@@ -317,12 +317,12 @@ TEST_P(QmiClient, LivesThroughManyLives) {
 }
 
 TEST(QmiService, IsFoundWheneverItIsPublished) {
-    TemporaryFolder folder;
+    HandsetFolder folder;
     qmi_client_type notifier = nullptr;
     qmi_client_os_params signal;
     unsigned services = 9;
     ASSERT_EQ(qmi_client_notifier_init(kVs, &signal, &notifier), QMI_NO_ERR);
-    setenv("VXK_HANDSET_DIR", folder.path("later").c_str(), 1);
+    setenv("VXK_HANDSET_DIR", folder.at("later").c_str(), 1);
     EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_SERVICE_ERR);
     EXPECT_EQ(services, 0U);
     EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 1), QMI_TIMEOUT_ERR);
@@ -330,14 +330,14 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
     testing::internal::CaptureStderr();
     std::optional<Listener> listener;
     std::thread handset([&] {
-        const auto socket = folder.path("later/qmi/65509");
+        const auto socket = folder.at("later/qmi/65509");
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         {
-            const Listener dies(folder.path("dead/socket"));
-            std::filesystem::rename(folder.path("dead/socket"), folder.path("dead/stale"));
+            const Listener dies(folder.at("dead/socket"));
+            std::filesystem::rename(folder.at("dead/socket"), folder.at("dead/stale"));
         }
-        std::filesystem::create_directories(folder.path("later/qmi"));
-        std::filesystem::rename(folder.path("dead/stale"), socket);
+        std::filesystem::create_directories(folder.at("later/qmi"));
+        std::filesystem::rename(folder.at("dead/stale"), socket);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         std::filesystem::remove(socket);
         listener.emplace(socket);
@@ -347,7 +347,7 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
         << "a socket that nobody listens to is no service";
     handset.join();
     const std::string note = testing::internal::GetCapturedStderr();
-    EXPECT_THAT(note, testing::HasSubstr(folder.path("later")));
+    EXPECT_THAT(note, testing::HasSubstr(folder.at("later")));
     EXPECT_THAT(note, testing::HasSubstr("vxk-handset serve"));
     EXPECT_EQ(std::count(note.begin(), note.end(), '\n'), 1);
 
@@ -356,8 +356,8 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
 
 // A queue of one, which the look that found the service fills.
 TEST(QmiService, IsFoundHoweverLateItAccepts) {
-    const TemporaryFolder folder;
-    Listener listener(folder.path("qmi/65509"), 0);
+    const HandsetFolder folder;
+    Listener listener(folder.at("qmi/65509"), 0);
     qmi_client_type client = nullptr;
     qmi_client_type notifier = nullptr;
     qmi_client_os_params signal;
