@@ -89,7 +89,7 @@ TEST_F(HandsetUimTest, RefusesWhatIsMissingOrLies) {
         59 01 01 00 02 02 03 00 02 00 80 > no 1; 59 01 01 00 02 02 03 00 00 00 80 > no 1
         59 01 01 00 02 02 01 00 00 > no 1; 66 01 01 00 02 10 02 00 02 A0 > no 1
         66 01 01 00 02 10 22 00 21 $isdr $isdr 00 > no 1; 66 01 01 00 02 11 02 00 01 00 > no 1
-        63 01 01 00 02 11 02 00 01 00 > no 1; 97 01 01 00 02 > no 71; 59 01 01 00 02 02 FF > no 1
+        63 01 01 00 02 11 02 00 01 00 > no 1; 59 01 01 00 02 02 FF > no 1
         59 01 01 00 02 02 06 00 04 00 80 CA 00 5A 10 01 00 00 10 02 00 01 00 > no 1)");
 }
 
@@ -134,6 +134,16 @@ TEST_F(HandsetUimTest, APulledCardLosesItsChannelsAndTheEuiccDoesNot) {
             EXPECT_EQ(ExtensionClient(handset).common(57, {slot, 0, 0, 0, 1, 0, 0, 0, level, 0, 0, 0}), 0);
     }
     play(handset, "63 01 01 00 01 11 01 00 01 > no 48; 63 01 01 00 02 11 01 00 01 > ok 11 02 00 90 00");
+}
+
+TEST_F(HandsetUimTest, IndicatesToAllBeforeItAnswers) {
+    const RunningHandset handset(place_, R"({"uim": {"indications": [{"before": 97}]}})");
+    QmiClient other(handset, 11);
+    QmiClient client(handset, 11);
+    client.send(wire::encode({wire::kQmiRequest, 1, 97, {}}));
+    for (QmiClient* each : {&client, &other})
+        each->play("< 97 01 04 00 00 00 00 00 02 04 00 00 00 00 00");
+    EXPECT_EQ(text_of(client.receive().value_or(wire::Bytes())), "02 01 00 61 00 07 00 02 04 00 01 00 47 00");
 }
 
 }  // namespace
