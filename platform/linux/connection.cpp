@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <utility>
 
 namespace seam {
 
@@ -15,8 +16,9 @@ thread_local const Connection* t_own_connection = nullptr;
 // A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
 constexpr size_t kEventsMax = 256;
 
-// How often an idle connection writes what is noted for the trace, in milliseconds.
-constexpr int kTraceDelay = 2;
+// How long no caller reads before the connection's thread watches the channel again, and how often an idle
+// connection writes what is noted for the trace, in milliseconds.
+constexpr int kQuietTime = 1;
 
 void watch(int epoll, int operation, int fd, uint32_t events) {
     epoll_event event{};
@@ -40,7 +42,7 @@ Connection::Connection(std::unique_ptr<Channel> channel, const Protocol& protoco
       buffer_size_(protocol.packet_max + 1),
       buffer_(new uint8_t[buffer_size_]) {
     watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
-    watch(epoll_.get(), EPOLL_CTL_ADD, channel_->descriptor(), EPOLLIN);
+    watch(epoll_.get(), EPOLL_CTL_ADD, channel_->descriptor(), 0);
     if (channel_->end_descriptor() >= 0)
         watch(epoll_.get(), EPOLL_CTL_ADD, channel_->end_descriptor(), EPOLLIN);
 }
@@ -167,13 +169,22 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
 // answer from waking two threads. A peer that goes away is reported all the same.
 void Connection::start_reading(const Request& request) {
     reader_ = &request;
-    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), 0);
+    was_read_ = true;
+    if (is_lent_)
+        return;
+    set_lent(true);
+    // The thread sleeps without a limit.
+    wake();
 }
 
 void Connection::stop_reading() {
     reader_ = nullptr;
-    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), EPOLLIN);
     changed_.notify_all();
+}
+
+void Connection::set_lent(bool is_lent) {
+    is_lent_ = is_lent;
+    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), is_lent ? 0U : EPOLLIN);
 }
 
 void Connection::wait_for_end() {
@@ -284,20 +295,33 @@ void Connection::run() {
 }
 
 void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& lock) {
+    const int limit = is_lent_ || trace_ ? kQuietTime : -1;
     lock.unlock();
     epoll_event happened{};
-    const int count = epoll_wait(epoll_.get(), &happened, 1, trace_ ? kTraceDelay : -1);
+    const int count = epoll_wait(epoll_.get(), &happened, 1, limit);
     if (trace_)
         trace_->flush_when_quiet();
     eventfd_t wakes = 0;
-    eventfd_read(wake_.get(), &wakes);
+    if (count == 1 && happened.data.fd == wake_.get())
+        eventfd_read(wake_.get(), &wakes);
     lock.lock();
-    if (count == 0)
+    if (wakes != 0)
         return;
-    if (!reader_)
+    if (count == 0) {
+        if (!is_lent_ || std::exchange(was_read_, false))
+            return;
+        if (!reader_)
+            return set_lent(false);
+    } else if (!reader_) {
         return take(receive(Clock::now()));
-    // The channel ended, or was readable just before a caller took it over: the caller reads on.
-    changed_.wait(lock, [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); });
+    }
+    // A caller reads, and has for a while; or the channel ended, or was readable just before it was lent: the
+    // caller reads on.
+    const auto may_go_on = [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); };
+    if (trace_)
+        changed_.wait_for(lock, Milliseconds(kQuietTime), may_go_on);
+    else
+        changed_.wait(lock, may_go_on);
 }
 
 }  // namespace seam

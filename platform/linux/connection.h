@@ -84,6 +84,7 @@ private:
     void wait_for_answer(Request& request, Clock::time_point deadline, std::unique_lock<std::mutex>& lock);
     void start_reading(const Request& request);
     void stop_reading();
+    void set_lent(bool is_lent);
     ssize_t receive(Clock::time_point deadline);
     void take(ssize_t size);
     void hand_out(wire::View packet);
@@ -109,7 +110,9 @@ private:
     std::mutex mutex_;  // guards all that follows
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
-    const Request* reader_ = nullptr;  // whose caller reads the channel; null: the connection's thread does
+    const Request* reader_ = nullptr;  // whose caller reads the channel
+    bool is_lent_ = true;              // to callers: the connection's thread does not watch the channel
+    bool was_read_ = false;            // by a caller, since the thread looked last
     std::deque<wire::Bytes> events_;
     bool has_ended_ = false;
     bool is_closed_ = false;
