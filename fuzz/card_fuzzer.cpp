@@ -30,7 +30,7 @@ wire::Bytes profiles_of(handset::Euicc& euicc) {
     card.reset();
     const uint8_t channel = card.open_channel().value_or(0);
     require(card.select_application(channel, {euicc.isd_r_aid().data, 5}), "the ISD-R is there");
-    const wire::Bytes listed = card.transmit(channel, {kListProfiles, sizeof kListProfiles}, UINT16_MAX);
+    wire::Bytes listed = card.transmit(channel, {kListProfiles, sizeof kListProfiles}, UINT16_MAX);
     require(handset::is_der({listed.data(), listed.size() - 2}), "what the ISD-R answers reads");
     return listed;
 }

@@ -24,17 +24,6 @@ struct Pairs {
 };
 constexpr Pairs kPairs;
 
-// How many bytes there are before the zeros at the end.
-size_t without_zeros(wire::View bytes) {
-    constexpr uint8_t kZeros[32] = {};
-    size_t size = bytes.size;
-    while (size >= sizeof kZeros && memcmp(bytes.data + size - sizeof kZeros, kZeros, sizeof kZeros) == 0)
-        size -= sizeof kZeros;
-    while (size > 0 && bytes.data[size - 1] == 0)
-        --size;
-    return size;
-}
-
 int digit_value(char digit) {
     if (digit >= '0' && digit <= '9')
         return digit - '0';
@@ -53,7 +42,7 @@ void append_byte(std::string& out, uint8_t byte) {
 }  // namespace
 
 void append_hex(std::string& out, wire::View bytes) {
-    size_t shown = without_zeros(bytes);
+    size_t shown = wire::without_zeros(bytes);
     size_t zeros = bytes.size - shown;
     if (zeros < kZeroTail) {
         shown = bytes.size;

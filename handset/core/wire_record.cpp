@@ -44,7 +44,8 @@ void append_record(std::string& out, const WireRecord& record, const timespec& t
     append_text(out, record.fault, 1);
     append_text(out, record.event, 1);
     append_text(out, record.command, 2);
-    out.append(text_of(packet));
+    const size_t kept = wire::without_zeros(packet);
+    out.append(Numbers().number(packet.size - kept, 4).text()).append(text_of({packet.data, kept}));
     out.replace(start, 4, Numbers().number(out.size() - start - 4, 4).text());
 }
 
@@ -66,9 +67,12 @@ std::optional<WireRecord> take_record(wire::View& bytes) {
     record.fault = text_of(fields.bytes(fields.u8()));
     record.event = text_of(fields.bytes(fields.u8()));
     record.command = text_of(fields.bytes(fields.u16()));
-    record.packet = fields.rest();
-    if (!fields.ok())
+    const size_t zeros = fields.u32();
+    record.packet = fields.rest().copy();
+    // No packet is longer than one of diag.
+    if (!fields.ok() || zeros > wire::kDiagPacketMax)
         return std::nullopt;
+    record.packet.resize(record.packet.size() + zeros);
     bytes = reader.rest();
     return record;
 }

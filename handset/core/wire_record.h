@@ -11,6 +11,7 @@
 //   u8  length and the name of the fault that struck
 //   u8  length and what happened; 0: the record is of a packet
 //   u16 length and the command of the process that has connected
+//   u32 zeros at the packet's end, which are left out
 //   the packet
 //
 // Records are written some milliseconds after their lines in wire.log. One that is cut short, as a full disk
@@ -40,14 +41,13 @@ struct WireRecord {
     std::string event;
     std::string command;
     timespec time{};
-    wire::View packet;  // somebody else's
+    wire::Bytes packet;
 };
 
 /// A record with its own time and packet left aside for these.
 void append_record(std::string& out, const WireRecord& record, const timespec& time, wire::View packet);
 
-/// Takes the first record, whose packet is a part of them, from the front of `bytes`, or nothing, and leaves
-/// them, when there is no whole one.
+/// Takes the first record from the front of `bytes`, or nothing, and leaves them, when there is no whole one.
 std::optional<WireRecord> take_record(wire::View& bytes);
 
 }  // namespace handset

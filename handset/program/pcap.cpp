@@ -160,7 +160,7 @@ void Pcap::add_packet(const timespec& time, Interface interface, Direction direc
 }
 
 void Pcap::add(const WireRecord& record, const messages::QmiMessage* qmi) {
-    if (!record.event.empty() || record.packet.size == 0)
+    if (!record.event.empty() || record.packet.empty())
         return;
     if (record.where == "at") {
         wire::Writer line = upper_pdu("at", record.direction);

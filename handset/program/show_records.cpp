@@ -70,7 +70,7 @@ public:
         const auto service = service_of(record.where);
         if (service)
             tell_qmi(*service, told);
-        else if (record.where == "diag" && record.packet.size > 0)
+        else if (record.where == "diag" && !record.packet.empty())
             tell_diag(told);
         return told;
     }
@@ -167,7 +167,7 @@ std::string text_line(const Told& told) {
     } else if (record.where == kSerialDiag) {
         write_command(record.packet, line);
     } else {
-        line.text("line", {reinterpret_cast<const char*>(record.packet.data), record.packet.size});
+        line.text("line", {reinterpret_cast<const char*>(record.packet.data()), record.packet.size()});
     }
     if (!record.fault.empty())
         line.fault(record.fault);
@@ -210,10 +210,10 @@ std::string json_line(const Told& told) {
     else if (told.diag)
         messages::describe(*told.diag, line);
     else if (record.event.empty() && record.where == "at")
-        line.text("line", {reinterpret_cast<const char*>(record.packet.data), record.packet.size});
+        line.text("line", {reinterpret_cast<const char*>(record.packet.data()), record.packet.size()});
     else if (record.event.empty() && record.where == kSerialDiag)
         write_command(record.packet, line);
-    else if (record.event.empty() && record.packet.size > 0)
+    else if (record.event.empty() && !record.packet.empty())
         line.malformed();
     if (!record.command.empty())
         line.text("command", record.command);

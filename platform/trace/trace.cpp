@@ -9,10 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
 #include <map>
 #include <mutex>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -24,6 +22,55 @@ namespace {
 
 using messages::LineHead;
 
+/// What a connection tells, in the order in which it happens.
+enum class What : uint8_t { kSent, kReceived, kGaveUp, kClosedByClient, kClosedByModem };
+
+/// Packets and what happens to connections, with their times, one behind the other in one piece of memory:
+/// noting one costs no more than copying it.
+class Notes {
+public:
+    struct Head {
+        timespec time{};
+        uint32_t connection = 0;
+        What what{};
+        uint32_t size = 0;   // of the packet
+        uint32_t zeros = 0;  // at its end, which are not kept
+    };
+
+    void add(Head head, wire::View packet) {
+        clock_gettime(CLOCK_REALTIME, &head.time);
+        const size_t kept = wire::without_zeros(packet);
+        head.size = static_cast<uint32_t>(packet.size);
+        head.zeros = static_cast<uint32_t>(packet.size - kept);
+        const auto* const bytes = reinterpret_cast<const uint8_t*>(&head);
+        bytes_.insert(bytes_.end(), bytes, bytes + sizeof head);
+        bytes_.insert(bytes_.end(), packet.data, packet.data + kept);
+    }
+
+    /// The oldest note; nothing when all are taken.
+    std::optional<Head> take(wire::Bytes& packet) {
+        if (taken_ == bytes_.size())
+            return std::nullopt;
+        Head head;
+        memcpy(&head, bytes_.data() + taken_, sizeof head);
+        const uint8_t* const kept = bytes_.data() + taken_ + sizeof head;
+        packet.assign(kept, kept + head.size - head.zeros);
+        packet.resize(head.size);
+        taken_ += sizeof head + head.size - head.zeros;
+        return head;
+    }
+
+    size_t size() const { return bytes_.size(); }
+    void clear() {
+        bytes_.clear();
+        taken_ = 0;
+    }
+
+private:
+    std::vector<uint8_t> bytes_;
+    size_t taken_ = 0;
+};
+
 // A packet or an event on its way to the file.
 struct Note {
     timespec time{};
@@ -33,17 +80,10 @@ struct Note {
     const char* event = nullptr;  // null: a packet
     const char* by = nullptr;     // who closed a connection
     uint32_t number = 0;          // of the request that stays unanswered: its transaction or op
-    wire::Bytes packet;
+    wire::View packet;
     std::optional<int64_t> latency_us;
-    std::optional<messages::Asked> asked;
+    const messages::Asked* asked = nullptr;
 };
-
-timespec now() {
-    timespec time{};
-    clock_gettime(CLOCK_REALTIME, &time);
-    return time;
-}
-
 int64_t microseconds(const timespec& time) {
     return time.tv_sec * 1'000'000LL + time.tv_nsec / 1000;
 }
@@ -61,7 +101,7 @@ std::string command_of_process() {
     return words;
 }
 
-std::string line_of(Note& note) {
+std::string line_of(const Note& note) {
     const bool to_modem = strcmp(note.direction, "->") == 0;
     std::optional<messages::QmiMessage> qmi;
     std::optional<messages::DiagMessage> diag;
@@ -85,7 +125,7 @@ std::string line_of(Note& note) {
 
     messages::JsonLine line(head);
     if (qmi)
-        messages::describe(*qmi, note.asked ? &*note.asked : nullptr, line);
+        messages::describe(*qmi, note.asked, line);
     else if (diag)
         messages::describe(*diag, line);
     else if (!note.event)
@@ -96,6 +136,135 @@ std::string line_of(Note& note) {
         line.text("by", note.by);
     return line.finish(note.packet, note.latency_us, "");
 }
+
+/// What is known of one connection while its notes become lines.
+class Story {
+public:
+    explicit Story(std::optional<uint16_t> service) : service_(service) {}
+
+    const std::optional<uint16_t>& service() const { return service_; }
+    bool has_begun() const { return number_ != 0; }
+    void begin(uint32_t number) { number_ = number; }
+
+    /// Hands the lines of one note to `out`, and keeps what a later one needs of it. It has begun.
+    template <typename Out>
+    void tell(const Notes::Head& head, wire::View packet, const Out& out) {
+        switch (head.what) {
+            case What::kSent:
+                return tell_request(head, packet, out);
+            case What::kReceived:
+                return tell_answer(head, packet, out);
+            case What::kGaveUp: {
+                const auto number = number_of(packet, false);
+                const auto open = number ? open_.find(*number) : open_.end();
+                if (open != open_.end() && !is_closed_)
+                    tell_unanswered(head, *open, out);
+                return;
+            }
+            case What::kClosedByClient:
+            case What::kClosedByModem:
+                return tell_end(head, out);
+        }
+    }
+
+    /// The connection's first line.
+    template <typename Out>
+    void tell_begin(const Notes::Head& head, const Out& out) {
+        Note note = note_of(head);
+        note.event = "connected";
+        out(note);
+    }
+
+private:
+    struct Open {
+        int64_t time = 0;
+        std::optional<messages::Asked> asked;
+        bool is_given_up = false;
+    };
+
+    template <typename Out>
+    void tell_request(const Notes::Head& head, wire::View packet, const Out& out) {
+        Note note = note_of(head);
+        note.direction = "->";
+        note.packet = packet;
+        out(note);
+        const auto number = number_of(packet, false);
+        if (!number)
+            return;
+        Open& open = open_[*number];
+        open = {microseconds(head.time), {}, false};
+        if (service_ != messages::kExtension)
+            return;
+        const auto request = wire::decode_qmi(packet);
+        const auto body = request ? messages::decode_extension(request->flags, request->body) : std::nullopt;
+        if (body)
+            open.asked = messages::asked(*body);
+    }
+
+    template <typename Out>
+    void tell_answer(const Notes::Head& head, wire::View packet, const Out& out) {
+        Note note = note_of(head);
+        note.direction = "<-";
+        note.packet = packet;
+        const auto number = number_of(packet, true);
+        const auto open = number ? open_.find(*number) : open_.end();
+        if (open == open_.end())
+            return out(note);
+        note.latency_us = microseconds(head.time) - open->second.time;
+        note.asked = open->second.asked ? &*open->second.asked : nullptr;
+        out(note);
+        open_.erase(open);
+    }
+
+    template <typename Out>
+    void tell_unanswered(const Notes::Head& head, std::pair<const uint32_t, Open>& open, const Out& out) {
+        if (std::exchange(open.second.is_given_up, true))
+            return;
+        Note note = note_of(head);
+        note.direction = "<-";
+        note.event = "unanswered";
+        note.number = open.first;
+        out(note);
+    }
+
+    template <typename Out>
+    void tell_end(const Notes::Head& head, const Out& out) {
+        if (std::exchange(is_closed_, true))
+            return;
+        for (auto& open : open_)
+            tell_unanswered(head, open, out);
+        Note note = note_of(head);
+        note.event = "closed";
+        note.by = head.what == What::kClosedByModem ? "modem" : "client";
+        out(note);
+    }
+
+    Note note_of(const Notes::Head& head) const {
+        Note note;
+        note.time = head.time;
+        note.service = service_;
+        note.connection = number_;
+        return note;
+    }
+
+    /// What an answer repeats of its request, or nothing when the packet is neither.
+    std::optional<uint32_t> number_of(wire::View packet, bool is_answer) const {
+        if (service_) {
+            const auto head = wire::decode_qmi_head(packet);
+            return head && head->flags == (is_answer ? wire::kQmiResponse : wire::kQmiRequest)
+                       ? std::optional<uint32_t>(head->transaction)
+                       : std::nullopt;
+        }
+        if (packet.size == 0 || ((packet.data[0] & wire::kDiagAnswer) != 0) != is_answer)
+            return std::nullopt;
+        return packet.data[0] & ~static_cast<uint32_t>(wire::kDiagAnswer);
+    }
+
+    const std::optional<uint16_t> service_;
+    uint32_t number_ = 0;
+    bool is_closed_ = false;
+    std::map<uint32_t, Open> open_;
+};
 
 /// The file of this process. Never destroyed.
 class File {
@@ -111,37 +280,26 @@ public:
 
     bool is_open() const { return fd_ >= 0; }
 
-    /// The next number of a connection to that service or to diag.
-    uint32_t next_connection(std::optional<uint16_t> service) {
+    /// Its place among the connections.
+    uint32_t enter(std::optional<uint16_t> service) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        return ++connections_[service];
-    }
-
-    void enter(Connection* connection) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        open_.insert(connection);
-    }
-
-    void leave(Connection* connection) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        open_.erase(connection);
+        connections_.push_back(service);
+        return static_cast<uint32_t>(connections_.size() - 1);
     }
 
     /// Ends what the process leaves open when it exits.
     void close_all() {
-        std::set<Connection*> left;
         {
             const std::lock_guard<std::mutex> lock(mutex_);
-            left = open_;
+            for (uint32_t i = 0; i < connections_.size(); ++i)
+                notes_.add({{}, i, What::kClosedByClient}, {});
         }
-        for (Connection* connection : left)
-            connection->closed(Connection::By::kClient);
         flush();
     }
 
-    void add(Note note) {
+    void add(uint32_t connection, What what, wire::View packet) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        notes_.push_back(std::move(note));
+        notes_.add({{}, connection, what}, packet);
         ++added_;
     }
 
@@ -178,19 +336,30 @@ private:
     // long one a part that nobody notices.
     static constexpr std::chrono::microseconds kFreeTime{40};
     static constexpr int kPartOfTime = 100;
-    static constexpr size_t kNotesMax = 2048;
+    static constexpr size_t kNotesMax = 1024 * 1024;
 
     /// False when there is nothing to write.
     bool write_next() {
-        Note note;
-        {
+        auto head = told_.take(packet_);
+        if (!head) {
+            told_.clear();
             const std::lock_guard<std::mutex> lock(mutex_);
-            if (notes_.empty())
-                return false;
-            note = std::move(notes_.front());
-            notes_.pop_front();
+            std::swap(told_, notes_);
+            for (size_t i = stories_.size(); i < connections_.size(); ++i)
+                stories_.emplace_back(connections_[i]);
+            head = told_.take(packet_);
         }
-        write_line(line_of(note) + "\n");
+        if (!head)
+            return false;
+        Story& story = stories_[head->connection];
+        const auto write = [this](const Note& note) { write_line(line_of(note) + "\n"); };
+        const bool is_packet = head->what == What::kSent || head->what == What::kReceived;
+        if (is_packet && !story.has_begun()) {
+            story.begin(++counts_[story.service()]);
+            story.tell_begin(*head, write);
+        }
+        if (story.has_begun())
+            story.tell(*head, packet_, write);
         return true;
     }
 
@@ -214,15 +383,18 @@ private:
 
     const std::string name_;
     const Clock::time_point opened_ = Clock::now();
-    std::mutex writing_;  // held while lines are made and written, before the other; guards the next two
+    std::mutex writing_;  // held while lines are made and written, before the other; guards the next six
     int fd_ = -1;
     Clock::duration spent_{0};
-    std::mutex mutex_;  // guards all that follows
-    std::deque<Note> notes_;
+    Notes told_;  // those that become lines
+    wire::Bytes packet_;
+    std::vector<Story> stories_;
+    std::map<std::optional<uint16_t>, uint32_t> counts_;  // of connections with a number, by service
+    std::mutex mutex_;                                    // guards all that follows
+    Notes notes_;
     uint64_t added_ = 0;  // notes, ever, and as flush_when_quiet() saw them last
     uint64_t seen_ = 0;
-    std::set<Connection*> open_;
-    std::map<std::optional<uint16_t>, uint32_t> connections_;
+    std::vector<std::optional<uint16_t>> connections_;  // their services
 };
 
 File* file();
@@ -245,119 +417,22 @@ File* file() {
 
 class TracedConnection : public Connection {
 public:
-    TracedConnection(File& file, std::optional<uint16_t> service) : file_(file), service_(service) {
-        file_.enter(this);
-    }
-    ~TracedConnection() override { file_.leave(this); }
-    TracedConnection(const TracedConnection&) = delete;
-    TracedConnection& operator=(const TracedConnection&) = delete;
+    TracedConnection(File& file, std::optional<uint16_t> service)
+        : file_(file), number_(file.enter(service)) {}
 
-    void sent(wire::View packet) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        Note note = new_note("->");
-        if (const auto number = number_of(packet, false)) {
-            Open& open = open_[*number];
-            open = {microseconds(note.time), {}, false};
-            if (service_ == messages::kExtension) {
-                const auto request = wire::decode_qmi(packet);
-                const auto body =
-                    request ? messages::decode_extension(request->flags, request->body) : std::nullopt;
-                if (body)
-                    open.asked = messages::asked(*body);
-            }
-        }
-        note.packet = packet.copy();
-        file_.add(std::move(note));
-    }
-
-    void received(wire::View packet) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        Note note = new_note("<-");
-        const auto number = number_of(packet, true);
-        const auto open = number ? open_.find(*number) : open_.end();
-        if (open != open_.end()) {
-            note.latency_us = microseconds(note.time) - open->second.time;
-            note.asked = open->second.asked;
-            open_.erase(open);
-        }
-        note.packet = packet.copy();
-        file_.add(std::move(note));
-    }
-
-    void gave_up(wire::View request) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        const auto number = number_of(request, false);
-        const auto open = number ? open_.find(*number) : open_.end();
-        if (open != open_.end() && !is_closed_)
-            note_unanswered(*open);
-    }
-
+    void sent(wire::View packet) override { file_.add(number_, What::kSent, packet); }
+    void received(wire::View packet) override { file_.add(number_, What::kReceived, packet); }
+    void gave_up(wire::View request) override { file_.add(number_, What::kGaveUp, request); }
     void closed(By by) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (std::exchange(is_closed_, true) || number_ == 0)
-            return;
-        for (auto& open : open_)
-            note_unanswered(open);
-        note_event("--", "closed", 0, by == By::kModem ? "modem" : "client");
+        file_.add(number_, by == By::kModem ? What::kClosedByModem : What::kClosedByClient, {});
     }
-
     void flush() override { file_.flush(); }
     void flush_in_passing() override { file_.flush_in_passing(); }
     void flush_when_quiet() override { file_.flush_when_quiet(); }
 
 private:
-    struct Open {
-        int64_t time = 0;
-        std::optional<messages::Asked> asked;
-        bool is_given_up = false;
-    };
-
-    /// What an answer repeats of its request, or nothing when the packet is neither.
-    std::optional<uint32_t> number_of(wire::View packet, bool is_answer) const {
-        if (service_) {
-            const auto head = wire::decode_qmi_head(packet);
-            return head && head->flags == (is_answer ? wire::kQmiResponse : wire::kQmiRequest)
-                       ? std::optional<uint32_t>(head->transaction)
-                       : std::nullopt;
-        }
-        if (packet.size == 0 || ((packet.data[0] & wire::kDiagAnswer) != 0) != is_answer)
-            return std::nullopt;
-        return packet.data[0] & ~static_cast<uint32_t>(wire::kDiagAnswer);
-    }
-
-    // The lock is held, so that the notes of a connection are in the order of their times.
-    Note new_note(const char* direction) {
-        if (number_ == 0) {
-            number_ = file_.next_connection(service_);
-            note_event("--", "connected");
-        }
-        Note note;
-        note.time = now();
-        note.service = service_;
-        note.connection = number_;
-        note.direction = direction;
-        return note;
-    }
-
-    void note_event(const char* direction, const char* event, uint32_t number = 0, const char* by = nullptr) {
-        Note note = new_note(direction);
-        note.by = by;
-        note.event = event;
-        note.number = number;
-        file_.add(std::move(note));
-    }
-
-    void note_unanswered(std::pair<const uint32_t, Open>& open) {
-        if (!std::exchange(open.second.is_given_up, true))
-            note_event("<-", "unanswered", open.first);
-    }
-
     File& file_;
-    const std::optional<uint16_t> service_;
-    std::mutex mutex_;  // guards all that follows; held before the file's
-    uint32_t number_ = 0;
-    bool is_closed_ = false;
-    std::map<uint32_t, Open> open_;
+    const uint32_t number_;
 };
 
 std::unique_ptr<Connection> connection_to(std::optional<uint16_t> service) {

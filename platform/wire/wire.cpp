@@ -1,6 +1,7 @@
 #include "wire.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace wire {
 
@@ -15,6 +16,16 @@ QmiPacket read_head(Reader& reader) {
 }
 
 }  // namespace
+
+size_t without_zeros(View bytes) {
+    constexpr uint8_t kZeros[32] = {};
+    size_t size = bytes.size;
+    while (size >= sizeof kZeros && memcmp(bytes.data + size - sizeof kZeros, kZeros, sizeof kZeros) == 0)
+        size -= sizeof kZeros;
+    while (size > 0 && bytes.data[size - 1] == 0)
+        --size;
+    return size;
+}
 
 uint64_t Reader::number(size_t width) {
     const View field = bytes(width);

@@ -24,6 +24,9 @@ struct View {
     Bytes copy() const { return size == 0 ? Bytes() : Bytes(data, data + size); }
 };
 
+/// How many bytes there are before the zeros at the end: most requests are mostly zeros.
+size_t without_zeros(View bytes);
+
 /// Reads little-endian numbers from the front of a view. A read past the end returns zeros and makes ok()
 /// false for good, so that a caller may read a whole record and ask once.
 class Reader {
