@@ -53,6 +53,9 @@ public:
     virtual void closed(ConnectionId connection) = 0;
 };
 
+/// Bytes that wait for a client that does not read, at the most; then its connection is closed.
+constexpr size_t kUnsentLimit = 4 * 1024 * 1024;
+
 class Endpoint {
 public:
     virtual ~Endpoint() = default;

@@ -19,9 +19,7 @@ namespace {
 
 constexpr uint32_t kInterfaceVersion = 1;
 
-// What a client that does not read may make the handset keep for it, and when it is tried again: the bus does
-// not tell that there is room.
-constexpr size_t kUnsentLimit = 4 * 1024 * 1024;
+// When a client that does not read is tried again: the bus does not tell that there is room.
 constexpr std::chrono::milliseconds kRetry(5);
 
 // The name service is the kernel's own; it answers at once.

@@ -18,9 +18,6 @@
 namespace handset {
 namespace {
 
-// What a client that does not read may make the handset keep for it.
-constexpr size_t kUnsentLimit = 4 * 1024 * 1024;
-
 // How long the endpoint lets connections wait when the process has no descriptor left for one.
 constexpr std::chrono::milliseconds kAcceptPause(100);
 
