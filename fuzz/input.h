@@ -16,9 +16,8 @@ public:
 
     uint8_t u8() { return static_cast<uint8_t>(number(1)); }
     uint16_t u16() { return static_cast<uint16_t>(number(2)); }
-    uint32_t u32() { return static_cast<uint32_t>(number(4)); }
+    uint32_t u32() { return number(4); }
     int32_t i32() { return static_cast<int32_t>(u32()); }
-    uint64_t u64() { return number(8); }
 
     /// The next `count` bytes, or those that are left: a heap block of exactly their size, so that a read
     /// past them is seen.
@@ -43,10 +42,10 @@ public:
     }
 
 private:
-    uint64_t number(size_t width) {
-        uint64_t value = 0;
+    uint32_t number(size_t width) {
+        uint32_t value = 0;
         for (size_t i = 0; i < width && left_ != 0; ++i, skip(1))
-            value |= uint64_t{*next_} << (8 * i);
+            value |= uint32_t{*next_} << (8 * i);
         return value;
     }
     void skip(size_t count) {

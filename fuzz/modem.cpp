@@ -1,7 +1,6 @@
 #include "modem.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -36,7 +35,6 @@ enum Kind : uint8_t {
     kProperty,
     kNoMemory,
     kNoThread,
-    kFailingStep,
     kRemoteMask,
     kKinds
 };
@@ -49,16 +47,12 @@ struct Record {
     std::vector<uint8_t> bytes;
 };
 
-enum Step { kOpen, kSend, kRegister, kSignal, kSupport, kStreams, kDciSend, kSteps };
-
 constexpr const char* kProperties[] = {
     "persist.vendor.radio.adb_log_kv",      "persist.kolvo.mem_trace",  "persist.vendor.ssr.restart_level",
     "persist.vendor.ssr.restart_level_bak", "persist.radio.ssr_wait_s", "persist.vendor.radio.print_stats",
 };
 
 constexpr int kQmiErrors = 5;
-constexpr int kDiagFailure = 1003;
-constexpr int kDiagSuccess = 1001;
 constexpr size_t kFullPiece = 4096;
 constexpr int kFullPiecesMax = 64;  // of one run: each copies all before it
 // A command that waits this many looks for its response gets one.
@@ -74,7 +68,6 @@ struct {
     bool diag_open = false;
     int looks = 0;
     int full_pieces = 0;
-    std::array<bool, kSteps> fails{};
 } g_modem;
 
 Record next_record() {
@@ -99,9 +92,6 @@ void set_scene(const Record& record) {
             return fail_malloc(record.number);
         case kNoThread:
             platform().fail_thread_creation = EAGAIN;
-            return;
-        case kFailingStep:
-            g_modem.fails[record.number % kSteps] = true;
             return;
         default:
             platform().remote_mask = record.number;
@@ -267,47 +257,24 @@ void look_for_events() {
         respond_at_last();
 }
 
-// Without an open session every step fails.
-bool goes_well(Step step) {
+bool open_diag(bool open) {
     const std::lock_guard<std::mutex> lock(g_modem.mutex);
-    return g_modem.diag_open && !g_modem.fails[step];
-}
-
-int dci_result(Step step) {
-    return goes_well(step) ? kDiagSuccess : kDiagFailure;
-}
-
-bool open_diag() {
-    const std::lock_guard<std::mutex> lock(g_modem.mutex);
-    g_modem.diag_open = !g_modem.fails[kOpen];
+    g_modem.diag_open = open;
     g_modem.looks = 0;
-    return g_modem.diag_open;
-}
-
-bool close_diag() {
-    const std::lock_guard<std::mutex> lock(g_modem.mutex);
-    g_modem.diag_open = false;
     return true;
 }
 
 void hook_diag() {
     PlatformDouble& hooks = platform();
-    hooks.lsm_init = open_diag;
-    hooks.lsm_deinit = close_diag;
+    hooks.lsm_init = [] { return open_diag(true); };
+    hooks.lsm_deinit = [] { return open_diag(false); };
     hooks.diag_send = [](int, const std::vector<uint8_t>&) {
-        if (!goes_well(kSend))
-            return -1;
         look_for_events();
         return 0;
     };
-    hooks.dci_register = [](int*, uint16_t*, int, void*) { return dci_result(kRegister); };
-    hooks.dci_signal = [](int, int) { return dci_result(kSignal); };
-    hooks.dci_support = [](int, uint16_t*) { return dci_result(kSupport); };
-    hooks.dci_streams = [](int) { return dci_result(kStreams); };
     hooks.dci_send = [](int, const std::vector<uint8_t>&) {
-        if (goes_well(kDciSend))
-            look_for_events();
-        return dci_result(kDciSend);
+        look_for_events();
+        return DIAG_DCI_NO_ERROR;
     };
     hooks.usleep = [](unsigned) {
         look_for_events();
@@ -354,7 +321,6 @@ void run_tool(Input& input, const std::function<void()>& piece) {
     g_modem.service = g_extension_service;
     g_modem.diag_open = false;
     g_modem.full_pieces = 0;
-    g_modem.fails = {};
     set_first_scene();
     count_locks();
     try {

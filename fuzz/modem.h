@@ -15,8 +15,7 @@
 //  10 property         which one     its value
 //  11 no memory        n             -: the n-th allocation from here fails
 //  12 no thread        -             -: no thread can be created any more
-//  13 failing step     which one     -: a step of the diag library fails
-//  14 remote mask      mask          -
+//  13 remote mask      mask          -
 //
 // From 10 on a record sets the scene, as soon as it is come by; those at the start do so before the tool
 // runs. A QMI request takes the next of 0 to 4, a look for diag events takes 5 to 9 up to a pause, and both

@@ -93,9 +93,13 @@ class Run:
     output: str
     errors: str
     state: dict[str, bytes]
-    spoilt: bool  # the modem has met its fault
-    exchanges: list[Exchange]
+    log: list[dict[str, Any]]  # of the modem, a line an object
     seconds: float
+
+    @property
+    def spoilt(self) -> bool:
+        """Whether the modem has met its fault."""
+        return any(line["fault"] for line in self.log)
 
 
 @dataclass(frozen=True)
@@ -256,16 +260,23 @@ def state_of(folder: Path) -> dict[str, bytes]:
     }
 
 
-def run(command: Command, faults: list[dict[str, Any]], limit: float, during_restart: bool = False) -> Run:
-    """Runs the command on a handset of its own. It is killed, and the handset with it, when the limit is reached."""
+def run(
+    command: Command,
+    faults: list[dict[str, Any]],
+    limit: float,
+    during_restart: bool = False,
+    replayed: Iterable[str] = (),
+) -> Run:
+    """Runs the command on a handset of its own. It is killed, and the handset with it, when the limit is reached. With
+    `replayed`, the options of a replay, there is nothing in the handset but what the trace has."""
     with tempfile.TemporaryDirectory(prefix="vxk-") as name:
         folder = Path(name) / "h"
         folder.mkdir(mode=0o700)
-        for path, content in command.files.items():
+        for path, content in command.files.items() if not replayed else ():
             write_file(folder / path, content)
         for key, value in command.properties.items():
             write_file(folder / "properties" / key, value.encode())
-        profile = {**command.profile, "faults": faults}
+        profile = {**command.profile, "faults": faults} if not replayed else {}
         if during_restart:
             profile["modem"] = {"restart_ms": 1500}
         (Path(name) / "profile.json").write_text(json.dumps(profile))
@@ -273,7 +284,7 @@ def run(command: Command, faults: list[dict[str, Any]], limit: float, during_res
         words = [program("vxk"), *command.words.split()]
         if during_restart:
             words = ["sh", "-c", DURING_RESTART, *words]
-        boot = [program("vxk-handset"), "run", "--dir", str(folder), "--profile", f"{name}/profile.json", "--"]
+        boot = [program("vxk-handset"), "run", "--dir", str(folder), "--profile", f"{name}/profile.json", *replayed, "--"]
         started = time.monotonic()
         process = subprocess.Popen(
             boot + words,
@@ -292,14 +303,12 @@ def run(command: Command, faults: list[dict[str, Any]], limit: float, during_res
             os.killpg(process.pid, signal.SIGKILL)
             output, errors = process.communicate()
         log = subprocess.run([program("vxk-handset"), "log", "--json", "--dir", folder], stdout=subprocess.PIPE)
-        lines = [json.loads(line) for line in log.stdout.splitlines()]
         return Run(
             status=status,
             output=output.decode(errors="replace"),
             errors=errors.decode(errors="replace"),
             state=state_of(folder),
-            spoilt=any(line["fault"] for line in lines),
-            exchanges=exchanges_of(lines),
+            log=[json.loads(line) for line in log.stdout.splitlines()],
             seconds=time.monotonic() - started,
         )
 
@@ -344,7 +353,7 @@ ANY = "any"
 
 def cases_of(command: Command, healthy: Run) -> Iterator[Case]:
     # How far a detached thread comes before the process ends is chance.
-    exchanges = [Exchange("diag", ANY, 0, b"")] if command.detached else healthy.exchanges
+    exchanges = [Exchange("diag", ANY, 0, b"")] if command.detached else exchanges_of(healthy.log)
     limit = command.seconds + sum(TIME_OUTS[exchange.service] for exchange in exchanges) + SLACK
     seen: Counter[str] = Counter()
     for exchange in exchanges:

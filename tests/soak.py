@@ -21,6 +21,8 @@ import time
 from collections import Counter
 from pathlib import Path
 
+from fault_commands import COMMANDS
+
 SLOWNESS = float(os.environ.get("VXK_TEST_SLOWNESS", "1"))
 PROGRAMS = Path(os.environ.get("VXK_PROGRAMS", "build/bin")).absolute()
 # What an allocator may keep of a busy time. Sanitizers keep freed memory on purpose.
@@ -35,12 +37,10 @@ RESTART_EVERY = 100  # commands
 # Of the handset's folder, what may hold files beside the sockets of published services.
 KEPT = ("efs", "nv", "properties", "dump", "state", "kept", "cards", "log", "lock", "at", "smd8")
 
-# # is a digit, % a bit. The AT channel's device is the machine's: only what does not reach it.
-OTHER = """3 0 # %|3 3 % # 0x80000000000|3 1|3 2|3 4|3 5|5 0 % 0 1000 0x4B #|5 0 % 1 0 0x00|5 1|5 4|5 2 %|5 3 % 0 %|5 5
-5 6 % 1 1 1|6 0 1 2 #|6 1 1 2 #|6 2 1 2 #|6 3 1 2 #|6 4 1 2 #|6 5 1 2 #|7 0 %|7 1 %|9 # %|9 1% %|9 12 %|9 20 %|9 21 %|9 30 %
-10 0 #|11 2|11 3 %|#|no number|8 """ + 101 * "A"
-# What restarts the modem, or may take long.
-RARE = "11 1|11 4 %|11 5 %|11 6 %|5 10 1 %|5 10 2 %|5 10 3 %|5 10 4 %|5 10 5 %"
+RARE = [words for words in {command.words for command in COMMANDS} if re.match("11 [0-6]|5 10", words)]
+# Beside the matrix's, some that are refused. The AT channel's device is the machine's: only what does not reach it.
+OTHER = ["1", "10 0 1", "5 7", "6 4", "9 13 0", "no number", "8 " + 101 * "A"]
+OTHER += [command.words for command in COMMANDS if command.words not in RARE]
 
 
 class Failed(Exception):
@@ -165,15 +165,11 @@ class Worker:
             raise Failed(f"{name}: lost what was acknowledged\n{output}")
         self.possible[name] = {content}
 
-    def choose(self, lines: str) -> None:
-        line = self.random.choice(re.split(r"[|\n]", lines)).replace("#", str(self.random.randrange(10)))
-        self.vxk(line.replace("%", str(self.random.randrange(2))).split())
-
     def other(self) -> None:
-        self.choose(OTHER)
+        self.vxk(self.random.choice(OTHER).split())
 
     def rare(self) -> None:
-        self.choose(RARE)
+        self.vxk(self.random.choice(RARE).split())
 
 
 def run(workers: list[Worker], commands: int) -> None:
