@@ -93,24 +93,6 @@ Packets that are none are dropped, as in the folder.
   3
   result = 0, rsp.result = -2
 
-A stock client understands the modem, and the modem the stock client.
-
-  $ qmicli -d qrtr://1 --uim-get-card-status | grep -E 'Successfully|Card state|Application (type|state)'
-  [qrtr://1] Successfully got card status
-  \tCard state: 'present' (esc)
-  \t\tApplication type:  'usim (2)' (esc)
-  \t\tApplication state: 'ready' (esc)
-  \tCard state: 'present' (esc)
-  \t\tApplication type:  'usim (2)' (esc)
-  \t\tApplication state: 'ready' (esc)
-  $ qmicli -d qrtr://1 --uim-sim-power-off=1
-  [qrtr://1] Successfully performed SIM power off
-  $ qmicli -d qrtr://1 --uim-sim-power-on=1
-  [qrtr://1] Successfully performed SIM power on
-  $ grep -oE 'request power.* slot=1' "$VXK_HANDSET_DIR/log/wire.log"
-  request power_down(48) #1 slot=1
-  request power_up(49) #1 slot=1
-
 Diag goes through the router, which has no DCI; without a router nothing is sent.
 
   $ vxk 5 0 0 0 3000 0x00 | grep -E 'response from|data hex show, len.5'

@@ -106,37 +106,22 @@ Slots, and who is told when one is switched.
 
 Power, state, and the rest.
 
-  $ uim --uim-sim-power-off=2; uim --uim-get-card-status; uim --uim-sim-power-on=2
+  $ uim --uim-sim-power-off=2; uim --uim-get-card-status | grep -E 'GW|Slot|Card|Application|PIN1|PUK1'; uim --uim-sim-power-on=2
   [qrtr://1] Successfully performed SIM power off
-  [qrtr://1] Successfully got card status
-  Provisioning applications:
           Primary GW:   slot '1', application '1'
-          Primary 1X:   session doesn't exist
           Secondary GW: session doesn't exist
-          Secondary 1X: session doesn't exist
   Slot [1]:
           Card state: 'present'
-          UPIN state: 'not-initialized'
-                  UPIN retries: '0'
-                  UPUK retries: '0'
           Application [1]:
                   Application type:  'usim (2)'
                   Application state: 'pin1-or-upin-pin-required'
                   Application ID:
-                          A0:00:00:00:87:10:02:FF:FF:FF:FF:89:00:00:01:00
-                  Personalization state: 'unknown'
                   UPIN replaces PIN1: 'no'
                   PIN1 state: 'enabled-not-verified'
                           PIN1 retries: '3'
                           PUK1 retries: '10'
-                  PIN2 state: 'enabled-not-verified'
-                          PIN2 retries: '3'
-                          PUK2 retries: '10'
   Slot [2]:
           Card state: 'error: power-down (1)'
-          UPIN state: 'not-initialized'
-                  UPIN retries: '0'
-                  UPUK retries: '0'
   [qrtr://1] Successfully performed SIM power on
   $ uim --uim-get-supported-messages | tr -d '\n'; echo
   [qrtr://1] Successfully got supported UIM messages:        0x0000        0x001E        0x0020        0x0021        0x0024        0x002A        0x002C        0x002E        0x002F        0x0030        0x0031        0x003B        0x003F        0x0042        0x0044        0x0046        0x0047        0x0065

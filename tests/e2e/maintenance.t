@@ -51,12 +51,6 @@ A reader that goes away does not keep the restart from being asked for, nor the 
   0
   ALL_DISABLE
   id=4 data_len=512 form="tlv" code=31 command="reset"
-  $ restarted 1
-  $ command vxk 11 0 | head -n 1 | cut -c 1-10; property $level; asked | cut -d ' ' -f 1-5
-  RIL[kelvra
-  ALL_DISABLE
-  id=4 data_len=512 form="tlv" code=31 command="reset"
-  id=4 data_len=512 form="tlv" code=31 command="reset"
 
 With a wait, there is one before the request and one behind it.
 

@@ -95,24 +95,13 @@ A card that is not there; a restart of the modem, after which the settings are t
   $ restarted 1; ask 'AT+CMEE?\r'
   AT+CMEE?\r\r\n+CMEE: 0\r\n\r\nOK\r\n
 
-Other programs. What one leaves behind, modes and unread answers, the next does not find.
+What a program leaves behind, modes and unread answers, the next does not find.
 
   $ stty -F "$at" sane; printf 'AT+CSQ\r' > "$at"; eventually test_count 'at - <- line="+CSQ: 28,99"' 4
   $ is_raw() { stty -F "$at" -a | grep -e -icanon; }; eventually is_raw
-  $ printf 'AT+CGMM\r' | picocom -q -x 1000 "$at"
-  AT+CGMM\r (no-eol) (esc)
-  \r (esc)
-  vxk simulated handset\r (esc)
-  \r (esc)
-  OK\r (esc)
-  $ chat -V -t 5 ABORT ERROR '' 'ATE0' OK 'AT+CSQ' OK <> "$at" >&0 2> chat.err; echo $?; tail -n 4 chat.err
-  0
-  
-  +CSQ: 28,99
-  
-  OK (no-eol)
-  $ chat -t 5 ABORT ERROR '' 'AT+NO' OK <> "$at" >&0; echo $?
-  4
+  $ ask 'AT+CGMM\r' 'AT+NO\r'
+  AT+CGMM\r\r\nvxk simulated handset\r\n\r\nOK\r\n
+  AT+NO\r\r\nERROR\r\n
   $ vxk-handset log | sed -n 's/.* \(at - .*\)/\1/p' | tail -n 2
   at - -> line="AT+NO\r"
   at - <- line="ERROR"
