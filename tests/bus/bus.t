@@ -102,7 +102,7 @@ Diag goes through the router, which has no DCI; without a router nothing is sent
   vxk: the open diag router has no DCI road; the callback road is mode 0
   kelvra_diag_cmd_send fail
   note: Error happen! error_code(1)
-  $ kill "$(cat "$VXK_TEST_BUS/pid")"; command vxk 5 0 0 0 3000 0x00 2>&1 | masked_log | grep -E 'fail|error'
+  $ command unshare --net vxk 5 0 0 0 3000 0x00 2>&1 | masked_log | grep -E 'fail|error'
   RIL[kelvra_diag_init_with_result:#]: LSM init failed
   kelvra_diag_cmd_send fail
   note: Error happen! error_code(1)
