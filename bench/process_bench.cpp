@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdlib>
 #include <vector>
 
 #include "benches.h"
@@ -73,6 +74,16 @@ void run_silently(const Command& command) {
     run(command, STDOUT_FILENO);
 }
 
+/// The same with a trace being written. The file, in the handset's folder, goes with it.
+Side traced(const Side& side) {
+    const std::string file = std::string(getenv("VXK_HANDSET_DIR")) + "/trace";
+    return {side.name + ", traced", [side, file] {
+                setenv("VXK_TRACE", file.c_str(), 1);
+                side.work();
+                unsetenv("VXK_TRACE");
+            }};
+}
+
 }  // namespace
 
 Side command_side(const std::string& program, const std::string& words, const std::string& answer) {
@@ -95,7 +106,10 @@ void compare_processes(Table& table) {
               1);
     table.compare(read_file, empty, 4);
     table.compare(command_side(VXK_PROGRAM, "5 0 0 0 3000 0x00", "rsp data len("), empty, 5);
-    table.compare(command_side(VXK_PROGRAM, "9 7 0", "ASDIV DATA: "), empty, 5);
+    const Side measure = command_side(VXK_PROGRAM, "9 7 0", "ASDIV DATA: ");
+    table.compare(measure, empty, 5);
+    for (const Side& side : {read_file, measure})
+        table.compare(traced(side), side, 1.05);
 }
 
 }  // namespace bench

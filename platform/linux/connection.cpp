@@ -16,9 +16,12 @@ thread_local const Connection* t_own_connection = nullptr;
 // A peer that sends events faster than they are delivered has to wait, instead of filling the memory.
 constexpr size_t kEventsMax = 256;
 
-// How long no caller reads before the connection's thread watches the channel again, and how often an idle
-// connection writes what is noted for the trace, in milliseconds.
+// How long no caller reads before a burst has ended, and how often an idle connection writes what is noted
+// for the trace, in milliseconds.
 constexpr int kQuietTime = 1;
+
+// So many exchanges within that time are a burst: more than any command makes before it waits for an event.
+constexpr unsigned kBurst = 16;
 
 void watch(int epoll, int operation, int fd, uint32_t events) {
     epoll_event event{};
@@ -42,7 +45,7 @@ Connection::Connection(std::unique_ptr<Channel> channel, const Protocol& protoco
       buffer_size_(protocol.packet_max + 1),
       buffer_(new uint8_t[buffer_size_]) {
     watch(epoll_.get(), EPOLL_CTL_ADD, wake_.get(), EPOLLIN);
-    watch(epoll_.get(), EPOLL_CTL_ADD, channel_->descriptor(), 0);
+    watch(epoll_.get(), EPOLL_CTL_ADD, channel_->descriptor(), EPOLLIN);
     if (channel_->end_descriptor() >= 0)
         watch(epoll_.get(), EPOLL_CTL_ADD, channel_->end_descriptor(), EPOLLIN);
 }
@@ -170,21 +173,33 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
 void Connection::start_reading(const Request& request) {
     reader_ = &request;
     was_read_ = true;
-    if (is_lent_)
-        return;
-    set_lent(true);
-    // The thread sleeps without a limit.
-    wake();
+    if (!is_burst_)
+        set_watched(false);
 }
 
 void Connection::stop_reading() {
     reader_ = nullptr;
+    watch_for_burst();
+    if (!is_burst_)
+        set_watched(true);
     changed_.notify_all();
 }
 
-void Connection::set_lent(bool is_lent) {
-    is_lent_ = is_lent;
-    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), is_lent ? 0U : EPOLLIN);
+void Connection::set_watched(bool is_watched) {
+    watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), is_watched ? EPOLLIN : 0U);
+}
+
+void Connection::watch_for_burst() {
+    const auto now = Clock::now();
+    if (now - counted_from_ > Milliseconds(kQuietTime)) {
+        counted_from_ = now;
+        exchanges_ = 0;
+    }
+    if (++exchanges_ < kBurst || is_burst_)
+        return;
+    is_burst_ = true;
+    // The thread sleeps without a limit.
+    wake();
 }
 
 void Connection::wait_for_end() {
@@ -295,7 +310,7 @@ void Connection::run() {
 }
 
 void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& lock) {
-    const int limit = is_lent_ || trace_ ? kQuietTime : -1;
+    const int limit = is_burst_ || trace_ ? kQuietTime : -1;
     lock.unlock();
     epoll_event happened{};
     const int count = epoll_wait(epoll_.get(), &happened, 1, limit);
@@ -308,15 +323,17 @@ void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& loc
     if (wakes != 0)
         return;
     if (count == 0) {
-        if (!is_lent_ || std::exchange(was_read_, false))
+        if (!is_burst_ || std::exchange(was_read_, false))
             return;
-        if (!reader_)
-            return set_lent(false);
+        if (!reader_) {
+            is_burst_ = false;
+            return set_watched(true);
+        }
     } else if (!reader_) {
         return take(receive(Clock::now()));
     }
-    // A caller reads, and has for a while; or the channel ended, or was readable just before it was lent: the
-    // caller reads on.
+    // A caller reads, and has for a while; or the channel ended, or was readable just before the caller took
+    // it over: it reads on.
     const auto may_go_on = [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); };
     if (trace_)
         changed_.wait_for(lock, Milliseconds(kQuietTime), may_go_on);

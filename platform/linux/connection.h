@@ -84,7 +84,8 @@ private:
     void wait_for_answer(Request& request, Clock::time_point deadline, std::unique_lock<std::mutex>& lock);
     void start_reading(const Request& request);
     void stop_reading();
-    void set_lent(bool is_lent);
+    void set_watched(bool is_watched);
+    void watch_for_burst();
     ssize_t receive(Clock::time_point deadline);
     void take(ssize_t size);
     void hand_out(wire::View packet);
@@ -111,7 +112,9 @@ private:
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
     const Request* reader_ = nullptr;  // whose caller reads the channel
-    bool is_lent_ = true;              // to callers: the connection's thread does not watch the channel
+    Clock::time_point counted_from_;   // what follows
+    unsigned exchanges_ = 0;           // quick ones, since
+    bool is_burst_ = false;            // of exchanges: the connection's thread does not watch the channel
     bool was_read_ = false;            // by a caller, since the thread looked last
     std::deque<wire::Bytes> events_;
     bool has_ended_ = false;
