@@ -15,22 +15,18 @@ namespace {
 using Structure = std::vector<uint8_t>;
 
 qmi_idl_service_object_type service_of(uint8_t choice) {
-    switch (choice % 5) {
-        case 0:
-            return extension_service();
-        case 1:
-            return uim_get_service_object_internal_v01(UIM_V01_IDL_MAJOR_VERS, UIM_V01_IDL_MINOR_VERS,
-                                                       UIM_V01_IDL_TOOL_VERS);
-        case 2:
-            return vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
-                                                      VS_V01_IDL_TOOL_VERS);
-        case 3:
-            return sar_get_service_object_internal_v01(SAR_V01_IDL_MAJOR_VERS, SAR_V01_IDL_MINOR_VERS,
-                                                       SAR_V01_IDL_TOOL_VERS);
-        default:
-            return nas_get_service_object_internal_v01(NAS_V01_IDL_MAJOR_VERS, NAS_V01_IDL_MINOR_VERS,
-                                                       NAS_V01_IDL_TOOL_VERS);
-    }
+    const qmi_idl_service_object_type services[] = {
+        extension_service(),
+        uim_get_service_object_internal_v01(UIM_V01_IDL_MAJOR_VERS, UIM_V01_IDL_MINOR_VERS,
+                                            UIM_V01_IDL_TOOL_VERS),
+        vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
+                                           VS_V01_IDL_TOOL_VERS),
+        sar_get_service_object_internal_v01(SAR_V01_IDL_MAJOR_VERS, SAR_V01_IDL_MINOR_VERS,
+                                            SAR_V01_IDL_TOOL_VERS),
+        nas_get_service_object_internal_v01(NAS_V01_IDL_MAJOR_VERS, NAS_V01_IDL_MINOR_VERS,
+                                            NAS_V01_IDL_TOOL_VERS),
+    };
+    return services[choice % std::size(services)];
 }
 
 }  // namespace

@@ -2,12 +2,10 @@
 // process: `u8 call, u8 argument`, what the call below takes, and the modem's records for it, again and
 // again.
 #include "finding.h"
-#include "group7_debug_info.h"
 #include "group7_stats.h"
 #include "group7_unpack.h"
 #include "group9_session.h"
 #include "group9_stats_qmi.h"
-#include "kelvra_cmn_cmd_send.h"
 #include "kelvra_diag_send.h"
 #include "kelvra_extend_cmn.h"
 #include "kelvra_extend_nvefs.h"
@@ -41,7 +39,7 @@ void extension(Input& input, uint8_t argument) {
     Bytes buffer(input.u16());
     auto told = static_cast<uint32_t>(buffer.size());
     CommonResponse response;
-    switch (argument / 4 % 11) {
+    switch (argument / 4 % 7) {
         case 0:
             kelvra_extend_qmi_send_sync(static_cast<uint32_t>(number), data.data(),
                                         static_cast<int>(data.size()), buffer.data(), &told);
@@ -53,28 +51,17 @@ void extension(Input& input, uint8_t argument) {
             kelvra_efs_write(sub, path, path_len, data.data(), data_len);
             break;
         case 3:
-            kelvra_efs_delete(sub, path, path_len);
-            break;
-        case 4:
             kelvra_nv_read(sub, number, buffer.data(), &told);
             break;
-        case 5:
+        case 4:
             kelvra_nv_write_ex(sub, number, data.data(), data_len);
             break;
-        case 6:
-            kelvra_nv_delete(sub, number);
-            break;
-        case 7:
+        case 5:
             kelvra_common_qmi_req(static_cast<uint32_t>(number), &response);
             return check(response);
-        case 8:
+        default:
             kelvra_send_common_qmi_msg(static_cast<uint32_t>(number), data_len, data.data(), &response);
             return check(response);
-        case 9:
-            kelvra_cmn_cmd_send(number, data_len, reinterpret_cast<const char*>(data.data()));
-            break;
-        default:
-            kelvra_test_modem_stats_get_debug_info_do(sub);
     }
     require(told <= buffer.size(), "no more than fits is told");
 }
@@ -108,45 +95,18 @@ void record(Input& input, uint8_t argument) {
 
 // A session of the statistics service
 
-template <typename Data>
-const Data& as(const void* data, int len) {
-    require(len == sizeof(Data), "an event has its layout's length");
-    return *static_cast<const Data*>(data);
-}
-
-void check_entries(const vs_report_entry_v01* entries, uint32_t count, uint32_t most) {
-    require(count <= most, "an event's count does not exceed its array");
-    for (uint32_t i = 0; i < count; ++i)
-        require(entries[i].value_len <= sizeof entries[i].value, "nor does the length of a value");
-}
-
 void take_event(int event, void* data, int len) {
-    switch (event) {
-        case MODEM_API_EVENT_STATUS:
-            require(as<modem_api_status_event>(data, len).first <= 1, "a flag is 0 or 1");
-            break;
-        case MODEM_API_EVENT_REPORT: {
-            const auto& report = as<modem_api_report_event>(data, len);
-            check_entries(report.first, report.first_count, VS_ENTRIES_MAX_V01);
-            check_entries(report.second, report.second_count, VS_REPORT_SECOND_MAX_V01);
-            break;
-        }
-        case MODEM_API_EVENT_BYTES:
-            require(as<modem_api_bytes_event>(data, len).count <= VS_BYTES_IND_MAX_V01,
-                    "an event's count does not exceed its array");
-            break;
-        default:
-            as<modem_api_state_event>(data, len);
-    }
+    const size_t layout = event == MODEM_API_EVENT_STATUS   ? sizeof(modem_api_status_event)
+                          : event == MODEM_API_EVENT_REPORT ? sizeof(modem_api_report_event)
+                          : event == MODEM_API_EVENT_BYTES  ? sizeof(modem_api_bytes_event)
+                                                            : sizeof(modem_api_state_event);
+    require(static_cast<size_t>(len) == layout, "an event has its layout's length");
+    const auto* const bytes = static_cast<const uint8_t*>(data);
+    static_cast<void>(Bytes(bytes, bytes + len));
 }
 
 void measure(Input& input, uint8_t argument) {
     kelvra_test_qmi_modem_stats_hdl(argument, input.u8() % 3);
-}
-
-void get(Input& input, uint8_t argument) {
-    KolvoValue value;
-    kelvra_test_qmi_modem_stats_get(argument, input.u8(), &value);
 }
 
 void get_list(Input& input, uint8_t argument) {
@@ -191,7 +151,7 @@ void asynchronous_response(Input& input, uint8_t argument) {
 
 // The seeds know the calls by their places.
 constexpr void (*kCalls[])(Input&, uint8_t argument) = {
-    extension, diag, record, measure, get, get_list, set_feature, indication, asynchronous_response,
+    extension, diag, record, measure, get_list, set_feature, indication, asynchronous_response,
 };
 
 constexpr int kCallsMax = 12;

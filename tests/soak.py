@@ -18,7 +18,6 @@ import sys
 import tempfile
 import threading
 import time
-from collections import Counter
 from pathlib import Path
 
 from fault_commands import COMMANDS
@@ -109,7 +108,6 @@ class Worker:
 
     def __init__(self, handset: Handset, seed: int, number: int) -> None:
         self.handset, self.random = handset, random.Random(f"{seed}/{number}")
-        self.counts: Counter[str] = Counter()
         self.failure = ""
         # What may be there; None: nothing. More than one as long as the outcome of the last change is unknown.
         names = [f"/soak/{number}/{place}" for place in range(6)] + [str(100 * number + place) for place in range(6)]
@@ -120,7 +118,7 @@ class Worker:
         try:
             while numbers:
                 if numbers.pop() % RESTART_EVERY == 0:
-                    self.vxk(["11", "0"])
+                    self.handset.vxk(["11", "0"])
                 else:
                     actions = (self.write, self.read, self.delete, self.other, self.rare)
                     self.random.choices(actions, (40, 25, 5, 29, 1))[0]()
@@ -128,12 +126,9 @@ class Worker:
             self.failure = str(failure) if isinstance(failure, Failed) else ""
             numbers.clear()
 
-    def vxk(self, words: list[str]) -> str:
-        self.counts[" ".join(words[: 1 if words[0] in ("6", "8", "9", "10") else 2])] += 1
-        return self.handset.vxk(words)
-
     def on_place(self, action: int, name: str, content: bytes = b"") -> str:
-        return self.vxk(["4", str(action + 3 * name.startswith("/")), str(int(name[-1]) % 2), name, *map(str, content)])
+        words = ["4", str(action + 3 * name.startswith("/")), str(int(name[-1]) % 2), name]
+        return self.handset.vxk([*words, *map(str, content)])
 
     def change(self, action: int, name: str, content: bytes | None) -> None:
         """Until the modem acknowledges the change, the old content and the new are both possible."""
@@ -166,10 +161,10 @@ class Worker:
         self.possible[name] = {content}
 
     def other(self) -> None:
-        self.vxk(self.random.choice(OTHER).split())
+        self.handset.vxk(self.random.choice(OTHER).split())
 
     def rare(self) -> None:
-        self.vxk(self.random.choice(RARE).split())
+        self.handset.vxk(self.random.choice(RARE).split())
 
 
 def run(workers: list[Worker], commands: int) -> None:
@@ -216,9 +211,6 @@ def main() -> int:
         if restarts == "0":
             complaints.append("the modem did not restart")
 
-    counts = sum((worker.counts for worker in workers), Counter())
-    for group in sorted(counts, key=lambda group: [f"{word:>9}" for word in group.split()]):
-        print(f"{counts[group]:7}  vxk {group}")
     print("\n".join(complaints) or f"{restarts} restarts, {growth // 1024} KiB more, nothing lost, nothing left")
     return 1 if complaints else 0
 

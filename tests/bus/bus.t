@@ -2,18 +2,11 @@ What there is on the modem bus alone. The output of the tool's commands is the o
 
   $ . "$TESTDIR/../e2e/setup.sh"
   $ published() { [ "$(qrtr-lookup | grep -c "^ *$1 ")" -eq "$2" ]; }
-  $ waiting() { eventually grep -q waiting "$1"; cat "$1"; }
 
 Each service is there once for each handset, under the lowest free instance.
 
   $ boot
   $ services() { qrtr-lookup | sed -E 's/^((  +[0-9]+){4}) .*/\1/; s/[0-9]+$/PORT/' | sort -n; }
-  $ services
-    Service Version Instance Node  Port
-         11       1        0    PORT
-         17       1        0    PORT
-      65508       1        0    PORT
-      65509       1        0    PORT
   $ vxk-handset serve --dir second --bus qrtr > second.out 2> /dev/null & second=$!
   $ eventually grep -q ready second.out
   $ services
@@ -44,15 +37,6 @@ The lowest instance is taken, and the other one when that is gone. An instance t
   KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
   124
   $ kill $second; wait $second
-
-A command that came first waits, sees the service go again, and goes on when it is there for good.
-
-  $ halt
-  $ command vxk 4 1 0 10 > late.out 2> late.err & late=$!
-  $ waiting late.err
-  vxk: waiting for QMI service 65508: nothing publishes it on the QRTR bus
-  $ boot; wait $late; grep -o 'result = .*' late.out
-  result = 0, rsp.result = -2
 
 A service that goes away under a command, by itself, with its handset, and because it closes the connection of another client.
 

@@ -26,24 +26,13 @@ Files, as long as the card's conditions are met.
           61:18:4F:10:A0:00:00:00:87:10:02:FF:FF:FF:FF:89:00:00:01:00:50:04:55:53:49:4D:
           FF:FF:FF:FF:FF:FF
   
-  $ uim --uim-get-file-attributes=0x3F00,0x2FE2
-  [(null)] Successfully got file 'qrtr://1' attributes from the UIM:
-  Card result:
-          SW1: '0x90'
-          SW2: '0x00'
-  File attributes:
+  $ uim --uim-get-file-attributes=0x3F00,0x2FE2 | grep -E 'size|type|Read|Write|Raw'
           File size: 10
-          File ID: 12258
           File type: transparent
           Record size: 0
-          Record count: 0
           Read security attributes: (always) none
           Write security attributes: (single) adm
-          Increase security attributes: (never) none
-          Deactivate security attributes: (single) adm
-          Activate security attributes: (single) adm
           Raw:    62:17:82:02:41:21:83:02:2F:E2:8A:01:05:8B:03:2F:06:01:80:02:00:0A:88:01:10
-  
   $ uim --uim-read-transparent=0x3F00,0x7FFF,0x6F07
   error: couldn't read transparent file from the UIM: QMI protocol error (82): 'AccessDenied'
   Card result:

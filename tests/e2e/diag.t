@@ -225,24 +225,19 @@ A modem that is down, an event without its processor, and answers without their 
 Refused steps: each fault strikes one command after the other.
 
   $ boot '{"faults": [
-  >     {"road": "diag", "message": "dci_register", "action": "result", "result": 1003},
   >     {"road": "diag", "message": "dci_signal", "action": "result", "result": 1000},
   >     {"road": "diag", "message": "dci_support", "action": "result", "result": 0},
   >     {"road": "diag", "message": "dci_streams", "action": "close"},
   >     {"road": "diag", "message": "dci_send", "action": "result", "result": -1},
   >     {"road": "diag", "message": "send", "action": "result", "result": 5},
-  >     {"road": "diag", "message": "send", "action": "close"},
-  >     {"road": "diag", "message": "open", "skip": 7, "action": "result", "result": 0}]}'
-  $ for step in register signal support streams send; do steps 5 0 1 0 3000 0x7B; done
-  Could not register with DCI, err: 1003, errno: 0 ch:0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
+  >     {"road": "diag", "message": "open", "skip": 5, "action": "result", "result": 0}]}'
+  $ for step in signal support streams send; do steps 5 0 1 0 3000 0x7B; done
   Successfully registered with DCI for ch:0, client ID = 1 | Could not register signal for DCI Data for ch:0, err: 1000, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   Successfully registered with DCI for ch:0, client ID = 2 | DCI Status on Processors for ch0: | Could not get support list for ch 0, err: 0, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   Successfully registered with DCI for ch:0, client ID = 3 | DCI Status on Processors for ch0: | MPSS on ch:0: UP | Opening Data Stream, registering listeners for ch:0 | Unable to register DCI stream for ch:0, err: 1003, errno: 0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   Successfully registered with DCI for ch:0, client ID = 4 | DCI Status on Processors for ch0: | MPSS on ch:0: UP | Opening Data Stream, registering listeners for ch:0 | Sending Asynchronous Command for ch:0 | Error sending SEND_REQUEST_ASYNC to peripheral -1 for ch:0 | Releasing DCI connection, err: 1001, errno: 0 | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   $ steps 5 0 0 0 3000 0x7B
   ret_send = 5, will wait callback | Fail to send diag cmd | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
-  $ steps 5 0 0 0 3000 0x7B
-  ret_send = -1, will wait callback | Fail to send diag cmd | kelvra_diag_cmd_send fail | note: Error happen! error_code(1)
   $ vxk 5 0 0 0 3000 0x7B | grep -A1 'init_with_result.*entry'
   RIL[kelvra_diag_init_with_result:#]: function entry ------------->
   RIL[kelvra_diag_init_with_result:#]: LSM init failed

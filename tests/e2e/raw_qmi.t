@@ -25,12 +25,9 @@ One byte, and bytes whose low 8 bits count.
   kv_qmi req data(qmi_id: 1, len: 4[max: 500]):
   0xFF 0x00 0x00 0x00 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
 
-Refused command lines.
+A message that is out of range, and one whose number is cut to 32 bits.
 
-  $ for words in 1 "6 1" "-1 1" "65536 1" "4294967296 1"; do vxk 6 $words | helpless | sed -n 2p; done
-  note: Too few parameters, Pls refer to the following cmd:
-  note: the second parameters(qmi_id) should be >= 0 && < 6
-  note: the second parameters(qmi_id) should be >= 0 && < 6
+  $ for words in "65536 1" "4294967296 1"; do vxk 6 $words | helpless | sed -n 2p; done
   note: the second parameters(qmi_id) should be >= 0 && < 6
   0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
 
