@@ -9,7 +9,7 @@ made; each of them is then spoilt by each fault that fits it, every time on a ne
 - it prints the command's failure line, or its success line where the failure does not matter, and not the other one;
 - it leaves every file and property as it was, or as a success leaves it.
 
-Prints a line for each command, what failed, and a closing line; the status is 1 when a case failed.
+Prints what failed and a closing line; the status is 1 when a case failed.
 """
 
 from __future__ import annotations
@@ -480,9 +480,6 @@ def main() -> int:
         pending = {index: (asleep if cases[index].waits else busy).submit(check, cases[index]) for index in order}
         checked = [pending[index].result() for index in range(len(cases))]
 
-    for command in commands:
-        complaints = [complaint for case, (complaint, _) in zip(cases, checked) if case.command is command]
-        print(f"{len(complaints):5} cases, {sum(map(bool, complaints)):3} failed: vxk {command.words}")
     failed = [(case, *outcome) for case, outcome in zip(cases, checked) if outcome[0]]
     print("".join(report(*failure) for failure in failed))
     print(f"{len(cases) - len(failed)} passed, {len(failed)} failed")

@@ -46,7 +46,7 @@ Files, as long as the card's conditions are met.
 
 Slots, and who is told when one is switched.
 
-  $ uim --uim-get-slot-status
+  $ uim --uim-get-slot-status | grep -vE 'Protocol|Num apps'
   [qrtr://1] Successfully got slots status
   [qrtr://1] 3 physical slots found:
     Physical slot 1:
@@ -54,23 +54,17 @@ Slots, and who is told when one is switched.
        Slot status: active
       Logical slot: 1
              ICCID: 8900101000000000019
-          Protocol: uicc
-          Num apps: 1
           Is eUICC: no
     Physical slot 2:
        Card status: present
        Slot status: inactive
              ICCID: 8900101000000000027
-          Protocol: uicc
-          Num apps: 1
           Is eUICC: no
     Physical slot 3:
        Card status: present
        Slot status: active
       Logical slot: 2
              ICCID: 8900101234567890120
-          Protocol: uicc
-          Num apps: 1
           Is eUICC: yes
                EID: 89049032001001000000000000000023
   $ qmicli -d qrtr://1 --uim-monitor-slot-status > seen 2>&1 & monitor=$!

@@ -315,7 +315,9 @@ A memory reset that is answered with something else leaves its channel open, and
   eID=89049032001001000000000000000023
   $ vxk 5 10 5 1 | grep -E 'error|apdu res|value' | folded
   RIL[kelvra_uim_send_apdu:#]: send msg sync client error = -1 | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_send_apdu res = -1 | value=FAILED
-  $ answers 66 "10 0100 01 12 0200 FF00"
+  $ answers 66 "11 0200 9000" "10 0100 01 12 0200 FF00"
+  $ vxk 5 10 5 1 | grep -E 'failed|res =|value' | folded
+  RIL[kelvra_uim_open_channel:#]: kelvra_uim_open_channel failed | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0 | value=FAILED
   $ vxk 5 10 5 1 | grep -E 'error|res =|value' | folded
   RIL[kelvra_uim_open_channel:#]: send msg sync client error = -1 | RIL[kelvra_cmn_esim_test:#]: kelvra_uim_open_channel res = -1, channel_id = 0 | value=FAILED
 

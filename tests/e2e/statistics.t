@@ -108,13 +108,11 @@ Answers without content, with an error or cut short; a modem that goes away betw
   $ boot '{"faults": [
   >   {"service": "statistics", "message": 519, "action": "result", "result": 0},
   >   {"service": "statistics", "message": 519, "action": "result", "result": 48},
-  >   {"service": "statistics", "message": 519, "action": "result", "result": 26},
   >   {"service": "statistics", "message": 519, "action": "cut", "keep": 14},
   >   {"service": "statistics", "message": 519, "action": "close"}]}'
-  $ for fault in 1 2 3 4 5; do vxk 9 20 0 | tail -n +2; done
+  $ for fault in 1 2 3 4; do vxk 9 20 0 | tail -n +2; done
   Fail to get data fail, number = 1, ret = 1, sub = 0, id = 110
   Fail to get data fail, number = 1, ret = 5, sub = 0, id = 110
-  Fail to get data fail, number = 1, ret = 1, sub = 0, id = 110
   Fail to get data fail, number = 1, ret = 12, sub = 0, id = 110
   Fail to get data fail, number = 1, ret = 1, sub = 0, id = 110
 

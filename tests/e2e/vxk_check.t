@@ -11,19 +11,17 @@ Each command on a healthy handset, and the values of its answer.
   $ set_property persist.radio.ssr_wait_s 0; set_property persist.vendor.ssr.restart_level ALL_ENABLE
   $ all() { while IFS='|' read -ra all; do for words in "${all[@]}"; do printf '%s: ' "$words"; judged -- $words; done; done; }
   $ all <<'END'
-  > 5 0 0 0 3000 0x4B|5 0 1 1 0 0|5 1|5 2 0|5 3 0 0 1|5 4|5 5|5 6 0|5 10 4 0|5 10 5 0|6 4 39|7 0 0|7 1 0|9 9 1|9 10 0|9 30 0
+  > 5 0 0 0 3000 0x4B|5 0 1 1 0 0|5 1|5 2 0|5 4|5 5|5 6 0|5 10 4 0|6 4 39|7 0 0|7 1 0|9 9 1|9 10 0|9 30 0
   > 11 2|11 3 1|11 0
   > END
   5 0 0 0 3000 0x4B: 0 success {"length": 2, "bytes": "13 4B"}
   5 0 1 1 0 0: 0 success {}
   5 1: 0 success {"length": 4, "bytes": "01 00 00 00", "cards": ["PRESENT"]}
   5 2 0: 0 success {"length": 4, "bytes": "01 00 00 00", "cards": ["PRESENT"]}
-  5 3 0 0 1: 0 success {"length": 4, "bytes": "01 00 00 00"}
   5 4: 0 success {"length": 4, "bytes": "02 00 00 00", "card_type": 2}
   5 5: 0 success {"dsi": 3}
   5 6 0: 0 success {"length": 4, "bytes": "00 00 00 00"}
   5 10 4 0: 0 success {"cards": ["PRESENT", "PRESENT"]}
-  5 10 5 0: 0 success {}
   6 4 39: 0 success {"result": 0}
   7 0 0: 0 success {"record": {"version": 196609, "mcc": 29440, "mnc_num": 128, "mnc": 704, "tac": 497189504, "cgi": 2028284490176, "pci": 51666, "freq_band_ind": 64, "dl_earfcn": 27450241, "dl_bw": 1280, "ul_earfcn": 24836608, "ul_bw": 1280, "allow_access": 128, "scs": 0}}
   7 1 0: 0 success {"counters": {"version": 4, "modem_stats_feature_enable_status": 1, "version_not_support_num": 0, "modem_stats_cmd_ok_count": 1284, "modem_stats_cmd_fail_count": 3}}
