@@ -121,8 +121,6 @@ TEST_F(HandsetTest, ReadsBackWhatWasWrittenAtEveryChunkBoundary) {
         EXPECT_EQ(stored("efs/0/nv/x"), pattern(size));
         EXPECT_EQ(client.read_all("/nv/x"), pattern(size));
     }
-    EXPECT_EQ(client.file({6, "/nv/x"}).result, 0);
-    EXPECT_EQ(client.file({6, "/nv/x"}).result, -2);
 }
 
 TEST_F(HandsetTest, AnswersEachFileRequestWithItsResult) {

@@ -29,16 +29,6 @@ void fail() {
     KELVRA_LOGE("%s%s", "aaaa", "bbbb");
 }
 
-TEST_F(LogTest, BothFormsOfADebugLog) {
-    EXPECT_EQ(printed_by([] { say(7, "one"); }), "RIL[say:7]: one 100%\n\n");
-    EXPECT_EQ(printed_by([] { KELVRA_LOGD_AS("other", "%%s"); }).find("RIL[other:"), 0U);
-    const Lines log = system_log();
-    ASSERT_EQ(log.size(), 3U);
-    EXPECT_EQ(log[0], "7 rild print is started");
-    EXPECT_EQ(log[1], "7 SUB[shell][log_test:7] say: one 100%\n");
-    EXPECT_NE(log[2].find("other: %s"), std::string::npos);
-}
-
 TEST_F(LogTest, PropertyGate) {
     const struct {
         const char* value;

@@ -78,13 +78,6 @@ TEST_F(Memory, Failures) {
                                                     "6 KOLVO kolvo_malloc_adv: Fail to allocate memory"));
 }
 
-TEST_F(Memory, AbsentPropertyIsLoggedOnce) {
-    kolvo_free_adv(kolvo_malloc_adv(1, "a"));
-    kolvo_free_adv(kolvo_malloc_adv(1, "b"));
-    EXPECT_THAT(platform().android_log,
-                ElementsAre("3 KOLVO kolvo_mem_init: KOLVO_MEM_TRACE_PROP not exist"));
-}
-
 TEST_F(Memory, CounterThatLostTrackIsFatal) {
     platform().properties["persist.kolvo.mem_trace"] = "1";
     void* block = kolvo_malloc_adv(8, "lost");

@@ -1,7 +1,6 @@
 // EFS files and NV items, against a modem that may answer anything.
 #include "kelvra_extend_nvefs.h"
 
-#include <optional>
 #include <thread>
 
 #include "extend_double.h"
@@ -25,18 +24,13 @@ Bytes response(uint32_t data_len_all, uint32_t data_len_cur, int result, const B
 
 class NvEfsTest : public PlatformTest {
 protected:
-    // From now on every request is answered with what `modem` makes of its payload; nothing: no answer.
-    static void answer_by(std::function<std::optional<Bytes>(const Bytes& request)> modem) {
+    // From now on every request is answered with what `modem` makes of its payload.
+    static void answer_by(std::function<Bytes(const Bytes& request)> modem) {
         platform().send = [modem = std::move(modem)](const QmiRequest& request, void* rsp) {
             EXPECT_EQ(request_id_of(request), 2U);
-            const auto answer = modem(payload_of(request));
-            if (answer)
-                answer_extend(rsp, *answer);
-            return answer ? 0 : -3;
+            answer_extend(rsp, modem(payload_of(request)));
+            return 0;
         };
-    }
-    static void answer_with(const std::optional<Bytes>& answer) {
-        answer_by([=](const Bytes&) { return answer; });
     }
 
     // Runs an operation of the unit; its log lines without their sites are in `log`.
@@ -45,10 +39,12 @@ protected:
         log = without_sites(printed_by([&] { result = operation(); }));
         return result;
     }
-    int read(Bytes& buf) {
+    int read(Bytes& buf, bool is_item = false) {
         auto len = static_cast<uint32_t>(buf.size());
         const int result = run([&] {
-            return kelvra_efs_read(0, kPath.data(), static_cast<int>(kPath.size()), buf.data(), &len);
+            return is_item
+                       ? kelvra_nv_read(0, 1, buf.data(), &len)
+                       : kelvra_efs_read(0, kPath.data(), static_cast<int>(kPath.size()), buf.data(), &len);
         });
         buf.resize(len);
         return result;
@@ -113,6 +109,7 @@ TEST_F(NvEfsTest, HowAReadEnds) {
     const char* const chunk_fills = "errro, abort, buf_len <= req.data_len_cur";
     const char* const total_fills = "abort, buf_len <= data_len_recv";
     const char* const lie = "qmi response fail";
+    const bool is_item = true;
     const struct {
         size_t capacity;
         uint32_t data_len_all;
@@ -121,6 +118,7 @@ TEST_F(NvEfsTest, HowAReadEnds) {
         size_t len;
         size_t exchanges;
         const char* line;
+        bool is_item = false;
     } cases[] = {
         {365, 364, {{364, 364}}, 0, 364, 1, "result = 0, rsp.result = 0"},
         {365, 365, {{365, 365}}, 0, 365, 1, chunk_fills},
@@ -150,6 +148,13 @@ TEST_F(NvEfsTest, HowAReadEnds) {
          248,
          "data_len_all = -1, data_len_send = 0, data_len_recv = 102258, read_count = 247, data_len_cur = "
          "414"},
+        {365, 3, {{0, 3}}, 0, 3, 1, "rsp.data_len_all = 3", is_item},
+        {365, 365, {{0, 365}}, 0, 365, 1, "rsp.data_len_all = 365", is_item},
+        {365, 400, {{0, 365}}, 0, 365, 1, "rsp.data_len_all = 400", is_item},
+        {365, 0xFFFFFFFF, {{0, 492}}, 0, 365, 1, "rsp.data_len_all = -1", is_item},
+        {365, 0, {{0, 3}}, -108, 0, 1, "rsp.data_len_all is invalid", is_item},
+        {365, 4, {{0, 3}}, -103, 0, 1, lie, is_item},
+        {365, 400, {{0, 364}}, -103, 0, 1, lie, is_item},
     };
     for (const auto& c : cases) {
         platform().requests.clear();
@@ -160,7 +165,7 @@ TEST_F(NvEfsTest, HowAReadEnds) {
             return response(c.data_len_all, chunk.data_len_cur, 0, data);
         });
         Bytes buf(c.capacity);
-        EXPECT_EQ(read(buf), c.result) << log;
+        EXPECT_EQ(read(buf, c.is_item), c.result) << log;
         EXPECT_EQ(buf, pattern(c.len)) << log;
         EXPECT_EQ(exchanges(), c.exchanges) << log;
         EXPECT_TRUE(logged(c.line)) << c.line << "\n" << log;
@@ -202,30 +207,6 @@ TEST_F(NvEfsTest, TheLongestFileTravelsBothWays) {
         [](const Bytes& request) { return response(0, 0, get_le<uint32_t>(&request[84]) == 414 ? -28 : 0); });
     EXPECT_EQ(write(sent), -28);
     EXPECT_EQ(exchanges(), 2U);
-}
-
-TEST_F(NvEfsTest, ItemReads) {
-    const struct {
-        uint32_t data_len_all;
-        size_t arrives;
-        int result;
-        uint32_t len;
-        const char* line;
-    } cases[] = {
-        {3, 3, 0, 3, "rsp.data_len_all = 3"},           {365, 365, 0, 365, "rsp.data_len_all = 365"},
-        {400, 365, 0, 365, "rsp.data_len_all = 400"},   {0xFFFFFFFF, 492, 0, 365, "rsp.data_len_all = -1"},
-        {0, 3, -108, 0, "rsp.data_len_all is invalid"}, {4, 3, -103, 0, "qmi response fail"},
-        {400, 364, -103, 0, "qmi response fail"},
-    };
-    for (const auto& c : cases) {
-        answer_with(response(c.data_len_all, 0, 0, pattern(c.arrives)));
-        Bytes buf(365);
-        uint32_t len = 365;
-        EXPECT_EQ(run([&] { return kelvra_nv_read(0, 1, buf.data(), &len); }), c.result) << log;
-        buf.resize(len);
-        EXPECT_EQ(buf, pattern(c.len)) << log;
-        EXPECT_TRUE(logged(c.line)) << log;
-    }
 }
 
 TEST_F(NvEfsTest, TransfersOfTwoThreadsNeverInterleave) {

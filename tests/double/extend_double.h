@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "little_endian.h"
@@ -29,13 +28,4 @@ inline uint32_t request_id_of(const QmiRequest& request) {
 inline std::vector<uint8_t> payload_of(const QmiRequest& request) {
     const auto first = request.bytes.begin() + 9;
     return {first, first + get_le<uint32_t>(request.bytes.data() + 4)};
-}
-
-/// Zeros, with the bytes of each {offset, value} put over them.
-inline std::vector<uint8_t> block(size_t size,
-                                  std::initializer_list<std::pair<size_t, std::vector<uint8_t>>> parts) {
-    std::vector<uint8_t> bytes(size);
-    for (const auto& [offset, part] : parts)
-        std::copy(part.begin(), part.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
-    return bytes;
 }

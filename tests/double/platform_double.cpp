@@ -36,6 +36,13 @@ Result call(const Hook& hook, Result otherwise, Args... args) {
     return hook ? hook(args...) : otherwise;
 }
 
+// Keeps a call for the test to see.
+template <typename Call>
+void record(std::vector<Call>& calls, Call call) {
+    const Lock lock(platform().mutex);
+    calls.push_back(std::move(call));
+}
+
 std::vector<uint8_t> copy(const void* bytes, int len) {
     const auto* first = static_cast<const uint8_t*>(bytes);
     return first == nullptr || len < 1 ? std::vector<uint8_t>() : std::vector<uint8_t>(first, first + len);
@@ -107,14 +114,14 @@ int qmi_client_notifier_init(qmi_idl_service_object_type service, qmi_client_os_
     return make_client(service, notifier, call(platform().notifier_init, 0, notifier));
 }
 
-int qmi_client_get_service_list(qmi_idl_service_object_type, qmi_service_info* array, unsigned* entries,
+int qmi_client_get_service_list(qmi_idl_service_object_type, qmi_service_info*, unsigned*,
                                 unsigned* services) {
     *services = 1;
-    return call(platform().get_service_list, 0, array, entries, services);
+    return 0;
 }
 
-int qmi_cci_os_signal_wait(qmi_client_os_params*, unsigned timeout_ms) {
-    return call(platform().signal_wait, 0, timeout_ms);
+int qmi_cci_os_signal_wait(qmi_client_os_params*, unsigned) {
+    return 0;
 }
 
 int qmi_client_init(qmi_service_info*, qmi_idl_service_object_type service, qmi_client_ind_cb ind_cb, void*,
@@ -139,10 +146,7 @@ int qmi_client_register_error_cb(qmi_client_type client, qmi_client_error_cb err
 int qmi_client_send_msg_sync(qmi_client_type client, unsigned msg_id, void* req, unsigned req_len, void* resp,
                              unsigned resp_len, unsigned timeout_ms) {
     const QmiRequest request{client, msg_id, copy(req, static_cast<int>(req_len)), resp_len, timeout_ms};
-    {
-        const Lock lock(platform().mutex);
-        platform().requests.push_back(request);
-    }
+    record(platform().requests, request);
     memset(resp, 0, resp_len);
     return platform().send ? platform().send(request, resp) : 0;
 }
@@ -185,8 +189,7 @@ int diag_callback_send_data(int proc, unsigned char* buf, int len) {
 }
 
 void diag_switch_logging(int mode, char*) {
-    const Lock lock(platform().mutex);
-    platform().logging_modes.push_back(mode);
+    record(platform().logging_modes, mode);
 }
 
 int diag_register_dci_client(int* client_id, uint16_t* list, int proc, void* os_params) {
@@ -209,11 +212,9 @@ int diag_register_dci_stream_proc(int client_id, void (*logs)(unsigned char*, in
     return call(platform().dci_streams, 1001, client_id);
 }
 
-int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned char* rsp, int rsp_len,
+int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned char*, int,
                             void (*cb)(unsigned char*, int, void*), void* data) {
     platform().dci_cb = cb;
-    platform().dci_rsp = rsp;
-    platform().dci_rsp_len = rsp_len;
     platform().dci_data = data;
     return call(platform().dci_send, 1001, client_id, copy(buf, len));
 }
@@ -245,15 +246,12 @@ int __android_log_print(int priority, const char* tag, const char* fmt, ...) {
     va_start(args, fmt);
     const std::string text = formatted(fmt, args);
     va_end(args);
-    const Lock lock(platform().mutex);
-    platform().android_log.push_back(std::to_string(priority) + " " + tag + " " + text);
+    record(platform().android_log, std::to_string(priority) + " " + tag + " " + text);
     return 1;
 }
 
 void vsyslog(int priority, const char* fmt, va_list args) {
-    const std::string text = formatted(fmt, args);
-    const Lock lock(platform().mutex);
-    platform().system_log.push_back(std::to_string(priority) + " " + text);
+    record(platform().system_log, std::to_string(priority) + " " + formatted(fmt, args));
 }
 
 // The C library
@@ -277,31 +275,22 @@ void* __wrap_calloc(size_t count, size_t size) {
 unsigned __wrap_sleep(unsigned seconds) {
     if (is_bypassed())
         return __real_sleep(seconds);
-    {
-        const Lock lock(platform().mutex);
-        platform().sleeps.push_back(seconds);
-    }
+    record(platform().sleeps, seconds);
     return call(platform().sleep, 0U, seconds);
 }
 
 int __wrap_usleep(unsigned microseconds) {
     if (is_bypassed())
         return __real_usleep(microseconds);
-    {
-        const Lock lock(platform().mutex);
-        platform().usleeps.push_back(microseconds);
-    }
+    record(platform().usleeps, microseconds);
     return call(platform().usleep, 0, microseconds);
 }
 
 int __wrap_system(const char* command) {
     if (is_bypassed())
         return __real_system(command);
-    {
-        const Lock lock(platform().mutex);
-        platform().commands.emplace_back(command);
-    }
-    return call(platform().system, 0, command);
+    record(platform().commands, std::string(command));
+    return 0;
 }
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg) {

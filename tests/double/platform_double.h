@@ -27,8 +27,6 @@ struct QmiRequest {
 struct PlatformDouble {
     // QMI. A client is any non-null pointer; the default one is the address of its service's description.
     std::function<int(qmi_client_type* notifier)> notifier_init;
-    std::function<int(qmi_service_info* array, unsigned* entries, unsigned* services)> get_service_list;
-    std::function<int(unsigned timeout_ms)> signal_wait;
     std::function<int(qmi_client_type* client)> client_init;
     std::function<int(uint32_t timeout_ms, qmi_client_type* client)> client_init_instance;
     std::function<int(qmi_client_type client)> register_error_cb;
@@ -67,8 +65,6 @@ struct PlatformDouble {
     void (*dci_logs)(unsigned char*, int) = nullptr;
     void (*dci_events)(unsigned char*, int) = nullptr;
     void (*dci_cb)(unsigned char*, int, void*) = nullptr;
-    unsigned char* dci_rsp = nullptr;
-    int dci_rsp_len = 0;
     void* dci_data = nullptr;
 
     // Android and the system log.
@@ -76,15 +72,13 @@ struct PlatformDouble {
     std::vector<std::string> system_log;   // "<priority> <text>"
     std::vector<std::string> android_log;  // "<priority> <tag> <text>"
 
-    // The C library. The defaults record and return at once; sleep returns 0, system 0.
+    // The C library. The defaults record and return at once; sleep and system return 0.
     std::function<unsigned(unsigned seconds)> sleep;
     std::function<int(unsigned microseconds)> usleep;
-    std::function<int(const char* command)> system;
     std::vector<unsigned> sleeps;
     std::vector<unsigned> usleeps;
     std::vector<std::string> commands;
-    int fail_thread_creation =
-        0;  // pthread_create returns this instead of creating a thread when it is not 0
+    int fail_thread_creation = 0;  // when not 0: what pthread_create returns instead of creating a thread
 
     std::mutex mutex;  // guards the vectors and the map above while other threads run
 };
