@@ -66,6 +66,16 @@ TEST_F(ExtendTest, MoreDataThanAMessageHoldsIsNoAnswer) {
     EXPECT_EQ(printed_by([] { EXPECT_EQ(send_byte(), -3); }), "send msg sync failed:-1\n" + finished(-3));
 }
 
+TEST_F(ExtendTest, AnAnswerIsCutToItsRoom) {
+    platform().send = [](const QmiRequest&, void* rsp) { return answer_extend(rsp, {'a', 'b', 'c'}), 0; };
+    const uint8_t data[] = {0};
+    char rsp[] = "----";
+    uint32_t rsp_len = 2;
+    printed_by([&] { EXPECT_EQ(kelvra_extend_qmi_send_sync(1, data, 1, rsp, &rsp_len), 0); });
+    EXPECT_EQ(rsp_len, 2U);
+    EXPECT_STREQ(rsp, "ab--");
+}
+
 TEST_F(ExtendTest, Indications) {
     const struct {
         int decoded;

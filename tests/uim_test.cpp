@@ -43,13 +43,20 @@ int get_card_status() {
     return kelvra_uim_get_card_status(states) ? 0 : kUimRequestFailed;
 }
 
+int open_channel() {
+    uint8_t channel = 9;
+    const int result = kelvra_uim_open_channel(kSlot, &channel);
+    EXPECT_EQ(channel, 0);
+    return result;
+}
+
 int send_apdu() {
     const KelvraUimApdu apdu = {kSlot, 1, 2, {0x80, 0xE2}};
     KelvraUimApduResponse response = {};
     return kelvra_uim_send_apdu(&apdu, &response);
 }
 
-// Of those that share their way, two.
+// Of those that share their way, the ones that say more than a result.
 const struct Operation {
     const char* name;
     int (*run)();
@@ -58,6 +65,7 @@ const struct Operation {
     {"kelvra_uim_request_uicc_power_ex", [] { return power(0); }, "uim_power_down malloc failed\n"},
     {"kelvra_uim_request_uicc_power_ex", [] { return power(1); }, "uim_power_up malloc failed\n"},
     {"kelvra_uim_get_card_status", get_card_status, "kelvra_uim_get_card_status malloc failed\n"},
+    {"kelvra_uim_open_channel", open_channel, "kelvra_uim_open_channel malloc failed\n"},
     {"kelvra_uim_send_apdu", send_apdu, "kelvra_uim_send_apdu malloc failed\n"},
 };
 
