@@ -124,15 +124,10 @@ TEST_F(DiagClient, LosesItsConnection) {
     peer->close();
     EXPECT_EQ(sent.get(), -1);
     EXPECT_THAT(calls(2), ElementsAre("response 0 1", "response 0 2"));
-    uint16_t list = 2;
     int client = 4;
     EXPECT_EQ(diag_callback_send_data(0, command, 2), -1);
-    EXPECT_EQ(diag_register_dci_client(&client, &list, 0, nullptr), kDciLost);
-    EXPECT_EQ(diag_send_dci_async_req(4, command, 2, room, 3, on_dci, nullptr), kDciLost);
     Diag_LSM_DeInit();
     EXPECT_EQ(diag_register_dci_signal_data(4, 1), kDciLost);
-    EXPECT_EQ(diag_get_dci_support_list_proc(0, &list), kDciLost);
-    EXPECT_EQ(diag_register_dci_stream_proc(4, on_log, on_event), kDciLost);
     EXPECT_EQ(diag_release_dci_client(&client), 1001);
     open();
 }

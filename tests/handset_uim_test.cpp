@@ -97,31 +97,28 @@ TEST_F(HandsetUimTest, WiringAndProfilesOutliveEveryRestartAndChannelsNone) {
     const wire::Bytes euicc(8, 0);
     const wire::Bytes card = {1, 0, 0, 0, 0, 0, 0, 0};
     const char profile[] = R"({"modem": {"restart_ms": 20}})";
-    const auto common = [](const RunningHandset& handset, uint32_t code, const wire::Bytes& value) {
-        return ExtensionClient(handset).common(code, value);
-    };
     {
         RunningHandset handset(place_, profile);
         QmiClient client(handset, 11);
         client.play("$open > ok 10 01 00 01 $opened; 2:1 $reset > $deleted", kNames);
-        EXPECT_EQ(common(handset, 84, {0}), -22);
-        EXPECT_EQ(common(handset, 84, {2, 0, 0, 0, 0, 0, 0, 0}), -22);
-        EXPECT_EQ(common(handset, 84, euicc), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(84, {0}), -22);
+        EXPECT_EQ(ExtensionClient(handset).common(84, {2, 0, 0, 0, 0, 0, 0, 0}), -22);
+        EXPECT_EQ(ExtensionClient(handset).common(84, euicc), 0);
         client.play("2:1 $reset > $nothing", kNames);
-        EXPECT_EQ(common(handset, 84, card), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(84, card), 0);
         client.play("$open > $no_isdr; 101 01 01 00 02 > no 94; 48 01 01 00 02 > ok", kNames);
-        EXPECT_EQ(common(handset, 80, {1, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0}), 0);
-        EXPECT_EQ(common(handset, 31, {0, 0x10, 0, 0}), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(80, {1, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0, 9, 0, 0, 0}), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(31, {0, 0x10, 0, 0}), 0);
         EXPECT_TRUE(client.receive()->empty());
         ASSERT_TRUE(eventually([&] { return QmiClient(handset, 11).connected(); }));
         play(handset, "66 01 01 00 01 > ok 10 01 00 01 11 02 00 90 00; $open > $no_isdr");
-        EXPECT_EQ(common(handset, 84, euicc), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(84, euicc), 0);
         handset.stop(SIGKILL);
     }
     {
         const RunningHandset handset(place_, profile);
         play(handset, "$open > ok 10 01 00 01 $opened; 2:1 $reset > $nothing");
-        EXPECT_EQ(common(handset, 84, card), 0);
+        EXPECT_EQ(ExtensionClient(handset).common(84, card), 0);
     }
     play(RunningHandset(place_, profile), "$open > $no_isdr");
 }

@@ -6,7 +6,6 @@
 #include <sys/resource.h>
 
 #include <atomic>
-#include <functional>
 #include <future>
 #include <optional>
 #include <thread>

@@ -1,7 +1,6 @@
 // The UIM client and its recovery, and what every request does when the modem, or memory, fails it.
 #include <gmock/gmock.h>
 
-#include <cstring>
 #include <regex>
 
 #include "kelvra_extend_uim.h"
@@ -81,8 +80,6 @@ TEST_F(Uim, ClientLinesCarryTheirNumbers) {
         EXPECT_EQ(SSR_Detected + failed_cnt, 0);
         platform().error_cb(uim_qmi_client, -3, nullptr);
         EXPECT_EQ(SSR_Detected, 0);
-        platform().error_cb(uim_qmi_client, -2, nullptr);
-        EXPECT_EQ(SSR_Detected, 1);
         platform().ind_cb(uim_qmi_client, 97, nullptr, 0, nullptr);
         kelvra_qcril_qmi_client_common_empty_unsol_ind_cb(nullptr, 5, nullptr, 0, nullptr);
         platform().release = [](qmi_client_type) { return -1; };
@@ -97,8 +94,6 @@ TEST_F(Uim, ClientLinesCarryTheirNumbers) {
               "RIL[init_uim_qmi_client:380]: init_uim_qmi_client PTR\n"
               "RIL[init_uim_qmi_client:384]: qmi_client_register_error_cb failed\n"
               "RIL[error_cb:303]: QMI error callback -3\n"
-              "RIL[error_cb:303]: QMI error callback -2\n"
-              "RIL[error_cb:306]: SSR Detected, set SSR_Detected 1\n"
               "RIL[kelvra_uim_qmi_client_unsol_ind_cb:323]: msg_id 97\n"
               "RIL[kelvra_uim_qmi_client_unsol_ind_cb:329]: qmi_client_uim or ind_buf is NULL\n"
               "RIL[kelvra_qcril_qmi_client_common_empty_unsol_ind_cb:215]: msg_id 5\n"

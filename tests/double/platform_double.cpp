@@ -144,8 +144,8 @@ int qmi_client_register_error_cb(qmi_client_type client, qmi_client_error_cb err
 }
 
 int qmi_client_send_msg_sync(qmi_client_type client, unsigned msg_id, void* req, unsigned req_len, void* resp,
-                             unsigned resp_len, unsigned timeout_ms) {
-    const QmiRequest request{client, msg_id, copy(req, static_cast<int>(req_len)), resp_len, timeout_ms};
+                             unsigned resp_len, unsigned) {
+    const QmiRequest request{client, msg_id, copy(req, static_cast<int>(req_len)), resp_len};
     record(platform().requests, request);
     memset(resp, 0, resp_len);
     return platform().send ? platform().send(request, resp) : 0;
@@ -227,10 +227,9 @@ int diag_release_dci_client(int* client_id) {
 
 int property_get(const char* key, char* value, const char* default_value) {
     const Lock lock(platform().mutex);
-    const auto found = platform().properties.find(key);
-    std::string text = default_value == nullptr ? "" : default_value;
-    if (found != platform().properties.end() && !found->second.empty())
-        text = found->second;
+    std::string text = platform().properties[key];
+    if (text.empty() && default_value != nullptr)
+        text = default_value;
     snprintf(value, PROPERTY_VALUE_MAX, "%s", text.c_str());
     return static_cast<int>(strlen(value));
 }

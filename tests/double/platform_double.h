@@ -21,7 +21,6 @@ struct QmiRequest {
     unsigned message = 0;
     std::vector<uint8_t> bytes;  // the C structure
     unsigned response_len = 0;
-    unsigned timeout_ms = 0;
 };
 
 struct PlatformDouble {
