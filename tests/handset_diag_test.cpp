@@ -9,13 +9,12 @@ constexpr int kShortly = 60;  // ms in which nothing may come
 // A conversation: "> bytes" are sent, "< bytes" must come, "< nothing" for a while. `$open`, `$register`,
 // `$sent` and
 // `$dci_sent` are usual parts of one.
-void converse(const Client& client, std::string text) {
-    const Names names = {{"open", "> 01 < 81 01 00 00 00"},
-                         {"register", "> 05 02 00 00 00 00 00 < 85 E9 03 00 00 01 00 00 00"},
-                         {"sent", "< 84 00 00 00 00"},
-                         {"dci_sent", "< 89 E9 03 00 00"}};
-    for (const auto& [name, part] : names)
-        text = std::regex_replace(text, std::regex("\\$" + name + "\\b"), part);
+void converse(const Client& client, const std::string& script) {
+    const std::string text =
+        with_names(script, {{"open", "> 01 < 81 01 00 00 00"},
+                            {"register", "> 05 02 00 00 00 00 00 < 85 E9 03 00 00 01 00 00 00"},
+                            {"sent", "< 84 00 00 00 00"},
+                            {"dci_sent", "< 89 E9 03 00 00"}});
     const std::regex step("([<>]) ([^<>]*[^<>\\s])");
     for (std::sregex_iterator it(text.begin(), text.end(), step), end; it != end; ++it) {
         SCOPED_TRACE(it->str() + " in " + text);

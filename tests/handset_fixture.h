@@ -128,6 +128,14 @@ private:
 /// Names and the texts that stand for `$name` in a script; a name may stand in the texts of those before it.
 using Names = std::vector<std::pair<std::string, std::string>>;
 
+inline std::string with_names(std::string script, const Names& names) {
+    for (const auto& [name, text] : names) {
+        const std::regex word(std::string("\\$").append(name).append("\\b"));
+        script = std::regex_replace(script, word, text);
+    }
+    return script;
+}
+
 /// A client of a QMI service.
 class QmiClient : public Client {
 public:
@@ -160,9 +168,8 @@ public:
     ///   * BYTES > BYTES             a request to the ISD-R on channel 1, in one block, that succeeds
     ///   < MESSAGE BYTES             an indication that comes, and how it begins
     /// The prefix stands before every step.
-    void play(std::string script, const Names& names = {}, const std::string& prefix = "") {
-        for (const auto& [name, text] : names)
-            script = std::regex_replace(script, std::regex("\\$" + name + "\\b"), text);
+    void play(const std::string& text, const Names& names = {}, const std::string& prefix = "") {
+        const std::string script = with_names(text, names);
         const std::regex separator("\\s*[;\n]\\s*");
         for (std::sregex_token_iterator it(script.begin(), script.end(), separator, -1), end; it != end;
              ++it) {

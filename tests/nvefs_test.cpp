@@ -145,8 +145,6 @@ TEST_F(NvEfsTest, HowAReadEnds) {
          248,
          "data_len_all = -1, data_len_send = 0, data_len_recv = 102258, read_count = 247, data_len_cur = "
          "414"},
-        {365, 3, {{0, 3}}, 0, 3, 1, "rsp.data_len_all = 3", is_item},
-        {365, 365, {{0, 365}}, 0, 365, 1, "rsp.data_len_all = 365", is_item},
         {365, 400, {{0, 365}}, 0, 365, 1, "rsp.data_len_all = 400", is_item},
         {365, 0xFFFFFFFF, {{0, 492}}, 0, 365, 1, "rsp.data_len_all = -1", is_item},
         {365, 0, {{0, 3}}, -108, 0, 1, "rsp.data_len_all is invalid", is_item},
