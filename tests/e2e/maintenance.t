@@ -176,7 +176,7 @@ Antenna configurations: the modem keeps them in two files.
   kelvra_gpio_test_closed
   kelvra_rf_tx_test_closed
   kelvra_rf_tx_test_closed | kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS |  | note: Error happen! error_code(-2) | 
-  $ asked
+  $ asked | uniq
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=4 data_len=512 form="gpio" code=0 command="gpio" data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
@@ -184,7 +184,6 @@ Antenna configurations: the modem keeps them in two files.
   id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 00 08 (+490 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" offset=0 data=[04 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" data=[06 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
-  id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   $ answer 3 0; answer 3 1 | folded
   kelvra_gpio_test_set
