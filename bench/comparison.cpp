@@ -11,7 +11,7 @@ using Clock = std::chrono::steady_clock;
 using Microseconds = std::chrono::duration<double, std::micro>;
 
 // A turn is long enough for the clock's own cost to vanish in it, and shorter than most disturbances.
-constexpr Microseconds kTurn(1000);
+constexpr Microseconds kTurn(5000);
 // A comparison ends when as much time again as the last improvement took has brought none worth the name. On
 // a busy machine a long turn seldom goes undisturbed, so what seems to be over its limit gets more of them.
 constexpr Microseconds kShortest(1.5e6);

@@ -18,10 +18,11 @@ constexpr size_t kEventsMax = 256;
 
 // How long no caller reads before a burst has ended, and how often an idle connection writes what is noted
 // for the trace, in milliseconds.
-constexpr int kQuietTime = 1;
+constexpr int kQuietTime = 2;
 
-// So many exchanges within that time are a burst: more than any command makes before it waits for an event.
-constexpr unsigned kBurst = 16;
+// So many exchanges, each that soon after the other, are a burst: more than any command makes before it waits
+// for an event.
+constexpr unsigned kBurst = 8;
 
 void watch(int epoll, int operation, int fd, uint32_t events) {
     epoll_event event{};
@@ -191,10 +192,8 @@ void Connection::set_watched(bool is_watched) {
 
 void Connection::watch_for_burst() {
     const auto now = Clock::now();
-    if (now - counted_from_ > Milliseconds(kQuietTime)) {
-        counted_from_ = now;
+    if (now - std::exchange(read_at_, now) > Milliseconds(kQuietTime))
         exchanges_ = 0;
-    }
     if (++exchanges_ < kBurst || is_burst_)
         return;
     is_burst_ = true;

@@ -112,8 +112,8 @@ private:
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
     const Request* reader_ = nullptr;  // whose caller reads the channel
-    Clock::time_point counted_from_;   // what follows
-    unsigned exchanges_ = 0;           // quick ones, since
+    Clock::time_point read_at_;        // when the last exchange ended
+    unsigned exchanges_ = 0;           // one soon after the other
     bool is_burst_ = false;            // of exchanges: the connection's thread does not watch the channel
     bool was_read_ = false;            // by a caller, since the thread looked last
     std::deque<wire::Bytes> events_;
