@@ -117,7 +117,7 @@ TEST_F(Uim, RequestsFailAlikeWithoutMemoryOrAClient) {
                 text, std::regex("\\[qcril_memory_management: \\d+\\] \\[uim_test\\(\\d+,\\d+\\)\\] "
                                  "qcril_malloc_adv: Fail to allocate memory\n")))
                 << text;
-            EXPECT_THAT(text, EndsWith(line + op.without_memory + exit));
+            EXPECT_THAT(text, EndsWith(std::string(line).append(op.without_memory).append(exit)));
         }
         EXPECT_TRUE(platform().requests.empty());
 
