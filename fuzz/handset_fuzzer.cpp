@@ -1,55 +1,33 @@
-// What programs send to a handset that has just been booted: records of `u8 port` and a block. Of ports 1 to
-// 4 (extension, UIM, statistics, SAR) the block is a request's `u16` message and its TLVs, of 0 a diag
-// packet, of 5 a command to the diagnostic terminal; with bit 7 it is what is sent as it stands. Of 6 it is
-// what is written to the AT channel. What comes back is held against the client library's tables and the form
-// of diag frames. The log is lines of printable text, and no file may appear outside the handset's folder.
+// Packets into the services of a handset that has just been booted: records of `u8 port` and a block. Of
+// ports 1 to 4 (extension, UIM, statistics, SAR) the block is a request's `u16` message and its TLVs, of 0 a
+// diag packet; with bit 7 it is the packet as it stands. What comes back is held against the client library's
+// tables. The log is lines of printable text, and no file may appear outside the handset's folder.
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <array>
 #include <fstream>
 #include <iterator>
 #include <string>
 
-#include "diag_frame.h"
 #include "event_loop.h"
 #include "finding.h"
 #include "ground.h"
 #include "handset.h"
 #include "input.h"
-#include "modem_statistics_v01.h"
 #include "profile.h"
 #include "qmi_codec.h"
-#include "sar_v01.h"
 #include "subjects.h"
-#include "user_identity_module_v01.h"
+#include "tables.h"
 #include "wire.h"
 
 namespace {
 
 struct Place {
-    const char* name;
+    const char* socket;
     qmi_idl_service_object_type service;  // null: the tables are not known here
 };
-
-enum Port { kDiag, kExtension, kUim, kStatistics, kSar, kDiagTerminal, kAt, kPorts };
-
-std::array<Place, kPorts> places() {
-    return {{
-        {"diag", nullptr},
-        {"qmi/65508", nullptr},
-        {"qmi/11", uim_get_service_object_internal_v01(UIM_V01_IDL_MAJOR_VERS, UIM_V01_IDL_MINOR_VERS,
-                                                       UIM_V01_IDL_TOOL_VERS)},
-        {"qmi/65509", vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
-                                                         VS_V01_IDL_TOOL_VERS)},
-        {"qmi/17", sar_get_service_object_internal_v01(SAR_V01_IDL_MAJOR_VERS, SAR_V01_IDL_MINOR_VERS,
-                                                       SAR_V01_IDL_TOOL_VERS)},
-        {"dm", nullptr},
-        {"at", nullptr},
-    }};
-}
 
 // One client's connection, made anew when the modem has closed it.
 class Line {
@@ -59,29 +37,17 @@ public:
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
 
-    void open(const std::string& path, bool is_terminal) {
-        if (fd_ >= 0)
-            return;
-        fd_ = is_terminal ? ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)
-                          : socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        if (!is_terminal && connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-            hang_up();
-        is_terminal_ = is_terminal;
-    }
-    void send(const wire::Bytes& packet) {
-        const ssize_t sent = is_terminal_ ? write(fd_, packet.data(), packet.size())
-                                          : ::send(fd_, packet.data(), packet.size(), MSG_NOSIGNAL);
-        if (sent < 0)
+    void send(const std::string& path, const wire::Bytes& packet) {
+        if (fd_ < 0)
+            call(path);
+        if (::send(fd_, packet.data(), packet.size(), MSG_NOSIGNAL) < 0)
             hang_up();
     }
 
     /// Nothing when no packet is there.
     std::optional<wire::Bytes> receive() {
         wire::Bytes packet(wire::kQmiPacketMax);
-        const ssize_t size = read(fd_, packet.data(), packet.size());
+        const ssize_t size = recv(fd_, packet.data(), packet.size(), 0);
         if (size == 0)
             hang_up();
         if (size <= 0)
@@ -91,6 +57,14 @@ public:
     }
 
 private:
+    void call(const std::string& path) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        fd_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        if (connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            hang_up();
+    }
     void hang_up() {
         if (fd_ >= 0)
             close(fd_);
@@ -98,7 +72,6 @@ private:
     }
 
     int fd_ = -1;
-    bool is_terminal_ = false;
 };
 
 void check_qmi(const wire::Bytes& bytes, const Place& place) {
@@ -112,26 +85,16 @@ void check_qmi(const wire::Bytes& bytes, const Place& place) {
     require(seam::decode_message(*message, packet->body, structure.data()), "what the modem sends decodes");
 }
 
-void check_frames(const wire::Bytes& bytes, handset::DiagFrameReader& reader) {
-    for (const uint8_t byte : bytes) {
-        const auto frame = reader.take(byte);
-        require(!frame || frame->whole || frame->bytes.size() >= handset::DiagFrameReader::kPacketMax,
-                "what the diagnostic terminal sends is frames");
-    }
-}
-
 void check_log(const std::string& path) {
     std::ifstream log(path);
     for (auto at = std::istreambuf_iterator<char>(log); at != std::istreambuf_iterator<char>(); ++at)
         require(*at == '\n' || static_cast<uint8_t>(*at) >= ' ', "the log is printable");
 }
 
-wire::Bytes packet_of(uint8_t port, size_t choice, Input& input) {
+wire::Bytes packet_of(uint8_t port, bool is_qmi, Input& input) {
     wire::Bytes block = input.block();
-    if ((port & 0x80) != 0 || choice == kDiag || choice == kAt)
+    if (!is_qmi || (port & 0x80) != 0)
         return block;
-    if (choice == kDiagTerminal)
-        return handset::diag_frame(block);
     Input request(block.data(), block.size());
     const uint16_t message = request.u16();
     return wire::encode({wire::kQmiRequest, 1, message, request.rest()});
@@ -146,25 +109,21 @@ void turn(handset::EventLoop& loop) {
 
 void play(handset::EventLoop& loop, Input& input, const std::string& folder) {
     constexpr int kPacketsMax = 24;
-    static const auto all_places = places();
-    std::array<Line, kPorts> lines;
-    handset::DiagFrameReader reader;
+    const Place places[] = {{"diag", nullptr},
+                            {"qmi/65508", nullptr},
+                            {"qmi/11", seam::uim_table()},
+                            {"qmi/65509", seam::statistics_table()},
+                            {"qmi/17", seam::sar_table()}};
+    Line lines[std::size(places)];
     for (int i = 0; i < kPacketsMax && !input.empty(); ++i) {
         const uint8_t port = input.u8();
-        const size_t choice = (port & 0x7f) % kPorts;
-        const Place& place = all_places[choice];
-        Line& line = lines[choice];
-        line.open(folder + "/" + place.name, choice >= kDiagTerminal);
+        const size_t choice = (port & 0x7f) % std::size(places);
+        const Place& place = places[choice];
+        lines[choice].send(folder + "/" + place.socket, packet_of(port, choice != 0, input));
         turn(loop);
-        line.send(packet_of(port, choice, input));
-        turn(loop);
-        while (const auto packet = line.receive()) {
-            if (choice == kDiagTerminal)
-                check_frames(*packet, reader);
-            else if (choice != kDiag && choice != kAt)
+        while (const auto packet = lines[choice].receive()) {
+            if (choice != 0)
                 check_qmi(*packet, place);
-            if (choice >= kDiagTerminal)
-                turn(loop);
         }
     }
 }
