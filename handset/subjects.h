@@ -66,8 +66,14 @@ struct Subjects {
           sar(core, profile.sar),
           sim(slots),
           at(core, profile.at, sim),
-          diag(core, profile.diag),
-          dm(core, profile.diag) {
+          diag_profile(profile.diag),
+          diag(core, diag_profile),
+          dm(core, diag_profile) {
+        core.control().add_setting("diag", [this](Section& section) {
+            DiagAnswers changed = diag_profile;
+            read_answers(section, changed);
+            return [this, changed] { static_cast<DiagAnswers&>(diag_profile) = changed; };
+        });
         add_maintenance(core, requests, files);
         add_statistics_debug(core, requests, profile.debug);
     }
@@ -82,6 +88,7 @@ struct Subjects {
     SarService sar;
     UimSimAccess sim;
     AtChannel at;
+    DiagProfile diag_profile;  // of both ports
     DiagPort diag;
     DmPort dm;
 };

@@ -4,12 +4,14 @@
 #include <utility>
 
 #include "core.h"
+#include "profile_section.h"
 
 namespace handset {
 
 AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
     : core_(core),
-      profile_(profile),
+      answers_(profile.answers),
+      unsolicited_(profile.unsolicited),
       terminal_(core, "at", [this](wire::View bytes) { received(bytes); }),
       device_(terminal_.device().empty() ? "" : core.folder().at("at")),
       network_(
@@ -22,8 +24,13 @@ AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
         settings_ = AtSettings();
         network_.start_anew();
     });
-    for (const AtUnsolicited& unsolicited : profile_.unsolicited)
+    for (const AtUnsolicited& unsolicited : unsolicited_)
         send_unsolicited(unsolicited, unsolicited.count, unsolicited.after);
+    core_.control().add_setting("at", [this](Section& section) {
+        auto changed = answers_;
+        read_answers(section, changed);
+        return [this, changed] { answers_ = changed; };
+    });
     core_.state().clear("at");
     core_.state().set("at", "terminal", terminal_.device().empty() ? "none" : terminal_.device());
     core_.state().set("at", "device", device_.obstacle().empty() ? device_.name() : "none");
@@ -75,14 +82,14 @@ void AtChannel::finish(const AtLine& line) {
 }
 
 void AtChannel::carry_out(const std::string& text) {
-    for (const AtAnswer& wanted : profile_.answers) {
+    for (const AtAnswer& wanted : answers_) {
         if (wanted.command != text)
             continue;
         if (wanted.delay.count() == 0)
             return answer(wanted);
         busy_ = true;
         terminal_.pause();
-        core_.loop().after(wanted.delay, [this, &wanted] {
+        core_.loop().after(wanted.delay, [this, wanted] {
             answer(wanted);
             busy_ = false;
             received({});

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "at_commands.h"
 #include "at_device.h"
@@ -39,7 +40,8 @@ private:
     void log(Direction direction, const std::string& line);
 
     Core& core_;
-    const AtProfile& profile_;
+    std::vector<AtAnswer> answers_;
+    const std::vector<AtUnsolicited>& unsolicited_;
     Terminal terminal_;
     AtDevice device_;
     AtSettings settings_;

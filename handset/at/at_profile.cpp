@@ -52,9 +52,15 @@ void read_unsolicited(Section& section, AtUnsolicited& unsolicited) {
 
 }  // namespace
 
-void read_profile(Section& section, AtProfile& at) {
+void read_answers(Section& section, std::vector<AtAnswer>& answers) {
+    if (section.has("answers"))
+        answers.clear();
     section.list("answers", kMostEntries,
-                 [&at](Section& entry) { read_answer(entry, at.answers.emplace_back()); });
+                 [&answers](Section& entry) { read_answer(entry, answers.emplace_back()); });
+}
+
+void read_profile(Section& section, AtProfile& at) {
+    read_answers(section, at.answers);
     section.list("unsolicited", kMostEntries,
                  [&at](Section& entry) { read_unsolicited(entry, at.unsolicited.emplace_back()); });
 }

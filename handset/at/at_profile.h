@@ -33,4 +33,7 @@ struct AtProfile {
 
 void read_profile(Section& section, AtProfile& at);
 
+/// Takes the answers that a section has in place of these.
+void read_answers(Section& section, std::vector<AtAnswer>& answers);
+
 }  // namespace handset

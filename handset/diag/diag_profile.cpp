@@ -116,24 +116,29 @@ void read_log(Section& section, DiagLog& log) {
 
 void read_results(Section& section, std::map<uint8_t, int32_t>& results) {
     for (const messages::DiagOp& op : messages::diag_ops()) {
-        int32_t result = op.done;
+        int32_t& result = results.emplace(op.number, op.done).first->second;
         section.integer(op.name, result);
-        results[op.number] = result;
     }
 }
 
 }  // namespace
 
-void read_profile(Section& section, DiagProfile& diag) {
+void read_answers(Section& section, DiagAnswers& diag) {
     section.integer("remote_mask", diag.remote_mask);
     section.boolean("mpss_up", diag.mpss_up);
     section.object("results", [&diag](Section& results) { read_results(results, diag.results); });
     read_timing(section, diag.timing);
+    if (section.has("responses"))
+        diag.responses.clear();
     section.list("responses", kMostEntries, [&diag](Section& entry) {
         DiagResponse& response = diag.responses.emplace_back();
         response.timing = diag.timing;
         read_response(entry, response);
     });
+}
+
+void read_profile(Section& section, DiagProfile& diag) {
+    read_answers(section, diag);
     section.list("streams", kMostEntries,
                  [&diag](Section& entry) { read_stream(entry, diag.streams.emplace_back()); });
     section.list("logs", kMostEntries,

@@ -48,7 +48,8 @@ struct DiagLog {
     uint32_t count = 1;
 };
 
-struct DiagProfile {
+/// How the modem answers; can change while it runs.
+struct DiagAnswers {
     /// Bit n: there is a processor n + 1.
     uint16_t remote_mask = 0;
     /// Whether the modem stands in the DCI support list. It answers all the same.
@@ -57,10 +58,16 @@ struct DiagProfile {
     std::map<uint8_t, int32_t> results;
     DiagTiming timing;
     std::vector<DiagResponse> responses;
+};
+
+struct DiagProfile : DiagAnswers {
     std::vector<DiagStream> streams;
     std::vector<DiagLog> logs;
 };
 
 void read_profile(Section& section, DiagProfile& diag);
+
+/// Takes what a section has in place of these; its responses in place of all.
+void read_answers(Section& section, DiagAnswers& diag);
 
 }  // namespace handset

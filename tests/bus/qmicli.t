@@ -9,14 +9,6 @@ The UIM service as the stock QMI client of the field reads it.
 
 Files, as long as the card's conditions are met.
 
-  $ uim --uim-read-transparent=0x3F00,0x2FE2
-  [qrtr://1] Successfully read information from the UIM:
-  Card result:
-          SW1: '0x90'
-          SW2: '0x00'
-  Read result:
-          98:00:01:01:00:00:00:00:10:F9
-  
   $ uim --uim-read-record=record-number=1,record-length=32,file=0x3F00-0x2F00
   [qrtr://1] Successfully read information from the UIM:
   Card result:

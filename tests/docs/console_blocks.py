@@ -1,11 +1,14 @@
 #!/usr/bin/python3
 """Turns the examples of a document into a transcript test: what a reader would type must print what the document shows.
 
-usage: console_blocks.py DOCUMENT.md
+usage: console_blocks.py [--bus] DOCUMENT.md
 
 Each ```console block is a piece of one shell session: lines behind "$ " are typed, the others are printed. Each ```json block
 must be a profile that a handset boots with. Numbers that differ from run to run (source lines,
 processes, times) are matched by their shape.
+
+The ```console bus blocks are another session, of a machine with the modem bus and a handset on it; tabs and blanks at a line's
+end are left to the program.
 """
 import re
 import sys
@@ -21,6 +24,20 @@ def expected(line):
         pattern += re.sub(r"\d+", r"\\d+", re.escape(match.group()))
         end = match.end()
     return pattern + re.escape(line[end:]) + " (re)" if end else line
+
+
+def bus_transcript(document):
+    """Yields the lines of the test on the bus."""
+    yield "Examples of a document, on the modem bus."
+    yield ""
+    yield "  $ vxk-handset serve --dir handset --bus qrtr > ready 2> errors & handset=$!"
+    yield "  $ until [ -s ready ]; do sleep 0.1; done"
+    yield "  $ qmicli() { command qmicli \"$@\" 2>&1 | expand | sed 's/ *$//'; }"
+    for block in re.findall(r"^```console bus\n(.*?)^```$", document, re.M | re.S):
+        yield ""
+        yield from ("  " + line for line in block.splitlines())
+    yield ""
+    yield "  $ kill $handset; wait $handset; cat errors"
 
 
 def transcript(document):
@@ -59,5 +76,6 @@ def transcript(document):
     yield "  [1]"
 
 
-for out in transcript(open(sys.argv[1], encoding="utf-8").read()):
+test = bus_transcript if sys.argv[1] == "--bus" else transcript
+for out in test(open(sys.argv[-1], encoding="utf-8").read()):
     print(out)

@@ -154,13 +154,16 @@ of its command is done. A fault that was never met is named when the handset sto
   $ vxk-handset set sar.dsi=7 euicc.eid_ms=5 statistics.values.94.0.rssi0=-90; vxk 5 5 | tail -n 1; vxk 9 7 0 | tail -n 1
   SAR DSI: 7
   ASDIV DATA: rssi_rx0: -90.00, rssi_rx1: -59.50, rssi_rx2: -63.75, rssi_rx3: -64.50
+  $ vxk-handset set 'diag.responses=[{"command": "4B 12", "bytes": "4B 12 07"}]' 'at.answers=[{"command": "AT+X", "lines": ["+X: 1"]}]'
+  $ vxk 5 0 0 0 1000 0x4b 0x12 | grep '^rsp data:'; printf 'AT+X\r' > $VXK_HANDSET_DIR/at; eventually grep 'at - <- line="+X' $VXK_HANDSET_DIR/log/wire.log
+  rsp data: 0x4B 0x12 0x07
   $ for words in sar.x=1 "sar.dsi=8 cardz=1" statistics.values.94.0.y=1 sar.dsi=-1 foo ""; do vxk-handset set $words; done
   vxk-handset: set: /sar/x: unknown key; known here: "dsi", "valid"
-  vxk-handset: set: /cardz: unknown key; known here: "cards", "debug", "euicc", "modem", "sar", "statistics"
+  vxk-handset: set: /cardz: unknown key; known here: "at", "cards", "debug", "diag", "euicc", "modem", "sar", "statistics"
   vxk-handset: set: /statistics/values/94/0/y: unknown key; known here: "rssi0", "rssi1", "rssi2", "rssi3", "version"
   vxk-handset: set: /sar/dsi: expected a whole number from 0 to 4294967295, found -1
   vxk-handset: "foo" is not KEY=VALUE
-  vxk-handset: nothing to set; what can be set is below cards, debug, euicc, modem, sar, statistics
+  vxk-handset: nothing to set; what can be set is below at, cards, debug, diag, euicc, modem, sar, statistics
   [1]
   $ vxk-handset fault add '{"service": "sar", "message": "get_dsi", "action": "result", "result": 3}'; vxk 5 5 | tail -n 1; show faults
   SAR DSI: 0
