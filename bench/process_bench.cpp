@@ -76,7 +76,10 @@ void run_silently(const Command& command) {
 
 /// The same with a trace being written. The file, in the handset's folder, goes with it.
 Side traced(const Side& side) {
-    const std::string file = std::string(getenv("VXK_HANDSET_DIR")) + "/trace";
+    const char* const handset = getenv("VXK_HANDSET_DIR");
+    if (handset == nullptr)
+        give_up("no handset: run it by scripts/bench");
+    const std::string file = std::string(handset) + "/trace";
     return {side.name + ", traced", [side, file] {
                 setenv("VXK_TRACE", file.c_str(), 1);
                 side.work();
