@@ -105,3 +105,17 @@ What a program leaves behind, modes and unread answers, the next does not find.
   $ vxk-handset log | sed -n 's/.* \(at - .*\)/\1/p' | tail -n 2
   at - -> line="AT+NO\r"
   at - <- line="ERROR"
+
+A card that wants its PIN, then its PUK.
+
+  $ halt; boot '{"cards": {"slots": [{"pin_enabled": true}, {}]}}'; at="$VXK_HANDSET_DIR/at"
+  $ ask 'ATE0\r' 'AT+CMEE=1;+CPIN?\r' 'AT+CIMI\r' 'AT+CPIN="0000"\r' 'AT+CPIN="0000"\r' 'AT+CPIN="0000"\r' 'AT+CPIN?\r' 'AT+CPIN="12345678","4321"\r' 'AT+CPIN?;+CIMI\r'
+  ATE0\r\r\nOK\r\n
+  \r\n+CPIN: SIM PIN\r\n\r\nOK\r\n
+  \r\n+CME ERROR: 11\r\n
+  \r\n+CME ERROR: 16\r\n
+  \r\n+CME ERROR: 16\r\n
+  \r\n+CME ERROR: 16\r\n
+  \r\n+CPIN: SIM PUK\r\n\r\nOK\r\n
+  \r\nOK\r\n
+  \r\n+CPIN: READY\r\n\r\n001010000000019\r\n\r\nOK\r\n
