@@ -32,10 +32,6 @@ std::optional<uint16_t> service_of(const std::string& where) {
     return known != nullptr ? known->id : static_cast<uint16_t>(strtoul(name.c_str(), nullptr, 10));
 }
 
-int64_t microseconds(const timespec& time) {
-    return time.tv_sec * 1'000'000LL + time.tv_nsec / 1000;
-}
-
 // A record with what only those before it tell.
 struct Told {
     const WireRecord& record;
@@ -101,7 +97,7 @@ private:
         told.qmi = messages::decode(service, *packet);
         const Key key{told.record.where, told.record.connection, packet->transaction};
         if (packet->flags == wire::kQmiRequest && told.record.direction == Direction::kToModem) {
-            Open& open = open_[key] = {microseconds(told.record.time), {}};
+            Open& open = open_[key] = {messages::microseconds(told.record.time), {}};
             if (told.qmi->extension)
                 open.asked = messages::asked(*told.qmi->extension);
         } else if (packet->flags == wire::kQmiResponse) {
@@ -113,7 +109,7 @@ private:
         told.diag = messages::decode_diag(told.record.direction == Direction::kToModem, told.record.packet);
         const Key key{told.record.where, told.record.connection, told.diag->number};
         if (told.diag->kind == messages::DiagMessage::kRequest)
-            open_[key] = {microseconds(told.record.time), {}};
+            open_[key] = {messages::microseconds(told.record.time), {}};
         else if (told.diag->kind == messages::DiagMessage::kAnswer)
             answer(key, told);
     }
@@ -122,7 +118,7 @@ private:
         const auto open = open_.find(key);
         if (open == open_.end())
             return;
-        told.latency_us = microseconds(told.record.time) - open->second.time;
+        told.latency_us = messages::microseconds(told.record.time) - open->second.time;
         told.asked = open->second.asked;
         open_.erase(open);
     }

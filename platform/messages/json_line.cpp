@@ -60,6 +60,10 @@ std::string rfc3339(const timespec& time) {
     return text;
 }
 
+int64_t microseconds(const timespec& time) {
+    return time.tv_sec * 1'000'000LL + time.tv_nsec / 1000;
+}
+
 LineHead head_of(const QmiMessage& message) {
     LineHead head;
     head.road = "qmi";

@@ -28,6 +28,9 @@ struct LineHead {
 /// "2026-08-01T12:00:00.123456+02:00", in the local zone.
 std::string rfc3339(const timespec& time);
 
+/// Since 1970.
+int64_t microseconds(const timespec& time);
+
 /// The head and what is known of the service and the message of a packet.
 LineHead head_of(const QmiMessage& message);
 LineHead head_of(const DiagMessage& message);

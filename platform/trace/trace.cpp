@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -84,9 +85,6 @@ struct Note {
     std::optional<int64_t> latency_us;
     const messages::Asked* asked = nullptr;
 };
-int64_t microseconds(const timespec& time) {
-    return time.tv_sec * 1'000'000LL + time.tv_nsec / 1000;
-}
 
 std::string command_of_process() {
     std::string words;
@@ -140,39 +138,39 @@ std::string line_of(const Note& note) {
 /// What is known of one connection while its notes become lines.
 class Story {
 public:
+    using Take = std::function<void(const Note& line)>;
+
     explicit Story(std::optional<uint16_t> service) : service_(service) {}
 
     const std::optional<uint16_t>& service() const { return service_; }
     bool has_begun() const { return number_ != 0; }
     void begin(uint32_t number) { number_ = number; }
 
-    /// Hands the lines of one note to `out`, and keeps what a later one needs of it. It has begun.
-    template <typename Out>
-    void tell(const Notes::Head& head, wire::View packet, const Out& out) {
+    /// Hands the lines of one note to `take`, and keeps what a later one needs of it. It has begun.
+    void tell(const Notes::Head& head, wire::View packet, const Take& take) {
         switch (head.what) {
             case What::kSent:
-                return tell_request(head, packet, out);
+                return tell_request(head, packet, take);
             case What::kReceived:
-                return tell_answer(head, packet, out);
+                return tell_answer(head, packet, take);
             case What::kGaveUp: {
                 const auto number = number_of(packet, false);
                 const auto open = number ? open_.find(*number) : open_.end();
                 if (open != open_.end() && !is_closed_)
-                    tell_unanswered(head, *open, out);
+                    tell_unanswered(head, *open, take);
                 return;
             }
             case What::kClosedByClient:
             case What::kClosedByModem:
-                return tell_end(head, out);
+                return tell_end(head, take);
         }
     }
 
     /// The connection's first line.
-    template <typename Out>
-    void tell_begin(const Notes::Head& head, const Out& out) {
+    void tell_begin(const Notes::Head& head, const Take& take) {
         Note note = note_of(head);
         note.event = "connected";
-        out(note);
+        take(note);
     }
 
 private:
@@ -182,17 +180,16 @@ private:
         bool is_given_up = false;
     };
 
-    template <typename Out>
-    void tell_request(const Notes::Head& head, wire::View packet, const Out& out) {
+    void tell_request(const Notes::Head& head, wire::View packet, const Take& take) {
         Note note = note_of(head);
         note.direction = "->";
         note.packet = packet;
-        out(note);
+        take(note);
         const auto number = number_of(packet, false);
         if (!number)
             return;
         Open& open = open_[*number];
-        open = {microseconds(head.time), {}, false};
+        open = {messages::microseconds(head.time), {}, false};
         if (service_ != messages::kExtension)
             return;
         const auto request = wire::decode_qmi(packet);
@@ -201,42 +198,39 @@ private:
             open.asked = messages::asked(*body);
     }
 
-    template <typename Out>
-    void tell_answer(const Notes::Head& head, wire::View packet, const Out& out) {
+    void tell_answer(const Notes::Head& head, wire::View packet, const Take& take) {
         Note note = note_of(head);
         note.direction = "<-";
         note.packet = packet;
         const auto number = number_of(packet, true);
         const auto open = number ? open_.find(*number) : open_.end();
         if (open == open_.end())
-            return out(note);
-        note.latency_us = microseconds(head.time) - open->second.time;
+            return take(note);
+        note.latency_us = messages::microseconds(head.time) - open->second.time;
         note.asked = open->second.asked ? &*open->second.asked : nullptr;
-        out(note);
+        take(note);
         open_.erase(open);
     }
 
-    template <typename Out>
-    void tell_unanswered(const Notes::Head& head, std::pair<const uint32_t, Open>& open, const Out& out) {
+    void tell_unanswered(const Notes::Head& head, std::pair<const uint32_t, Open>& open, const Take& take) {
         if (std::exchange(open.second.is_given_up, true))
             return;
         Note note = note_of(head);
         note.direction = "<-";
         note.event = "unanswered";
         note.number = open.first;
-        out(note);
+        take(note);
     }
 
-    template <typename Out>
-    void tell_end(const Notes::Head& head, const Out& out) {
+    void tell_end(const Notes::Head& head, const Take& take) {
         if (std::exchange(is_closed_, true))
             return;
         for (auto& open : open_)
-            tell_unanswered(head, open, out);
+            tell_unanswered(head, open, take);
         Note note = note_of(head);
         note.event = "closed";
         note.by = head.what == What::kClosedByModem ? "modem" : "client";
-        out(note);
+        take(note);
     }
 
     Note note_of(const Notes::Head& head) const {
