@@ -11,7 +11,6 @@ namespace handset {
 AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
     : core_(core),
       answers_(profile.answers),
-      unsolicited_(profile.unsolicited),
       terminal_(core, "at", [this](wire::View bytes) { received(bytes); }),
       device_(terminal_.device().empty() ? "" : core.folder().at("at")),
       network_(
@@ -24,7 +23,7 @@ AtChannel::AtChannel(Core& core, const AtProfile& profile, SimAccess& sim)
         settings_ = AtSettings();
         network_.start_anew();
     });
-    for (const AtUnsolicited& unsolicited : unsolicited_)
+    for (const AtUnsolicited& unsolicited : profile.unsolicited)
         send_unsolicited(unsolicited, unsolicited.count, unsolicited.after);
     core_.control().add_setting("at", [this](Section& section) {
         auto changed = answers_;

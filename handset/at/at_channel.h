@@ -41,7 +41,6 @@ private:
 
     Core& core_;
     std::vector<AtAnswer> answers_;
-    const std::vector<AtUnsolicited>& unsolicited_;
     Terminal terminal_;
     AtDevice device_;
     AtSettings settings_;
