@@ -76,7 +76,7 @@ Profile profile_of(const BootOptions& options) {
 // which requests were not in the trace.
 class Replay {
 public:
-    explicit Replay(const BootOptions& options) : options_(options) {
+    explicit Replay(const BootOptions& options) {
         if (options.replay.empty())
             return;
         Recording recording = read_recording(options.replay);
@@ -88,7 +88,7 @@ public:
             return;
         for (const ReplayBook::Unknown& unknown : book_->unknown())
             complain(std::string("not in the trace, ") +
-                     (options_.strict ? "refused" : "answered by the profile") +
+                     (book_->strict() ? "refused" : "answered by the profile") +
                      (unknown.count > 1 ? " " + std::to_string(unknown.count) + " times" : "") + ": " +
                      unknown.line);
     }
@@ -104,7 +104,6 @@ public:
     }
 
 private:
-    const BootOptions options_;
     std::optional<ReplayBook> book_;
     std::map<std::string, std::string> properties_;
 };
