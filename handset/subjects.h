@@ -9,6 +9,7 @@
 #include "common_request.h"
 #include "core.h"
 #include "diag_port.h"
+#include "diag_responder.h"
 #include "dm_port.h"
 #include "extension_service.h"
 #include "fault.h"
@@ -66,14 +67,10 @@ struct Subjects {
           sar(core, profile.sar),
           sim(slots),
           at(core, profile.at, sim),
-          diag_profile(profile.diag),
-          diag(core, diag_profile),
-          dm(core, diag_profile) {
-        core.control().add_setting("diag", [this](Section& section) {
-            DiagAnswers changed = diag_profile;
-            read_answers(section, changed);
-            return [this, changed] { static_cast<DiagAnswers&>(diag_profile) = changed; };
-        });
+          diag_answers(profile.diag),
+          diag(core, diag_answers, profile.diag.streams),
+          dm(core, diag_answers, profile.diag.logs) {
+        let_change(core, diag_answers);
         add_maintenance(core, requests, files);
         add_statistics_debug(core, requests, profile.debug);
     }
@@ -88,7 +85,7 @@ struct Subjects {
     SarService sar;
     UimSimAccess sim;
     AtChannel at;
-    DiagProfile diag_profile;  // of both ports
+    DiagAnswers diag_answers;  // of both ports
     DiagPort diag;
     DmPort dm;
 };

@@ -68,6 +68,6 @@ struct DiagProfile : DiagAnswers {
 void read_profile(Section& section, DiagProfile& diag);
 
 /// Takes what a section has in place of these; its responses in place of all.
-void read_answers(Section& section, DiagAnswers& diag);
+void read_answers(Section& section, DiagAnswers& answers);
 
 }  // namespace handset

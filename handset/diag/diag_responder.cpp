@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "core.h"
 #include "diag_peripheral.h"
+#include "profile_section.h"
 
 namespace handset {
 namespace {
@@ -13,10 +15,10 @@ bool begins_with(wire::View bytes, const wire::Bytes& beginning) {
 
 }  // namespace
 
-DiagResponse diag_response(const DiagProfile& profile, DiagMasks& masks, wire::View command) {
+DiagResponse diag_response(const DiagAnswers& answers, DiagMasks& masks, wire::View command) {
     DiagResponse response;
-    response.timing = profile.timing;
-    for (const DiagResponse& wanted : profile.responses) {
+    response.timing = answers.timing;
+    for (const DiagResponse& wanted : answers.responses) {
         if (begins_with(command, wanted.command)) {
             response = wanted;
             break;
@@ -25,6 +27,14 @@ DiagResponse diag_response(const DiagProfile& profile, DiagMasks& masks, wire::V
     if (!response.bytes)
         response.bytes = answer_diag_command(command, masks);
     return response;
+}
+
+void let_change(Core& core, DiagAnswers& answers) {
+    core.control().add_setting("diag", [&answers](Section& section) {
+        DiagAnswers changed = answers;
+        read_answers(section, changed);
+        return [&answers, changed] { answers = changed; };
+    });
 }
 
 }  // namespace handset

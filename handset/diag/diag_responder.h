@@ -7,8 +7,13 @@
 
 namespace handset {
 
+class Core;
+
 /// The response with its bytes. `masks` are those of the client that sent the command, which has one byte at
 /// least.
-DiagResponse diag_response(const DiagProfile& profile, DiagMasks& masks, wire::View command);
+DiagResponse diag_response(const DiagAnswers& answers, DiagMasks& masks, wire::View command);
+
+/// From now on they can be set while the handset runs.
+void let_change(Core& core, DiagAnswers& answers);
 
 }  // namespace handset

@@ -23,11 +23,12 @@ WireLine message_line(Direction direction, const char* name, wire::View message)
 
 }  // namespace
 
-DmPort::DmPort(Core& core, const DiagProfile& profile)
+DmPort::DmPort(Core& core, const DiagAnswers& answers, const std::vector<DiagLog>& logs)
     : core_(core),
-      profile_(profile),
+      answers_(answers),
+      logs_(logs),
       terminal_(core, "dm", [this](wire::View bytes) { received(bytes); }),
-      streams_(profile.logs.size()) {
+      streams_(logs.size()) {
     terminal_.on_change([this](bool open) {
         start_anew();
         core_.state().set("dm", "reader", open ? "yes" : "no");
@@ -36,7 +37,7 @@ DmPort::DmPort(Core& core, const DiagProfile& profile)
     core_.state().clear("dm");
     core_.state().set("dm", "terminal", terminal_.device().empty() ? "none" : terminal_.device());
     core_.state().set("dm", "reader", "no");
-    core_.state().set("dm", "logs of the profile", profile_.logs.size());
+    core_.state().set("dm", "logs of the profile", logs_.size());
 }
 
 void DmPort::start_anew() {
@@ -65,7 +66,7 @@ void DmPort::carry_out(wire::View command) {
     // A modem that is away does not hear.
     if (!core_.is_up())
         return;
-    const DiagResponse response = diag_response(profile_, masks_, command);
+    const DiagResponse response = diag_response(answers_, masks_, command);
     if (!response.silent && response.timing.delay.count() == 0)
         send_response(*response.bytes);
     if (!response.silent && response.timing.delay.count() > 0) {
@@ -91,7 +92,7 @@ void DmPort::send_response(const wire::Bytes& response) {
 void DmPort::choose_logs() {
     for (size_t i = 0; i < streams_.size(); ++i) {
         Stream& stream = streams_[i];
-        const DiagLog& log = profile_.logs[i];
+        const DiagLog& log = logs_[i];
         const bool wanted = terminal_.is_open() && masks_.has_log(log.code);
         if (wanted == stream.wanted)
             continue;
@@ -105,7 +106,7 @@ void DmPort::choose_logs() {
 
 void DmPort::continue_log(size_t place, uint32_t left, std::chrono::milliseconds delay) {
     streams_[place].timer = core_.loop().after(delay, [this, place, left] {
-        const DiagLog& log = profile_.logs[place];
+        const DiagLog& log = logs_[place];
         send_log(log);
         if (left > 1)
             continue_log(place, left - 1, log.every);

@@ -17,7 +17,8 @@ class Core;
 
 class DmPort {
 public:
-    DmPort(Core& core, const DiagProfile& profile);
+    /// `answers` may change while it runs; both outlive it.
+    DmPort(Core& core, const DiagAnswers& answers, const std::vector<DiagLog>& logs);
     DmPort(const DmPort&) = delete;
     DmPort& operator=(const DmPort&) = delete;
 
@@ -37,7 +38,8 @@ private:
     void send_log(const DiagLog& log);
 
     Core& core_;
-    const DiagProfile& profile_;
+    const DiagAnswers& answers_;
+    const std::vector<DiagLog>& logs_;  // of the profile
     Terminal terminal_;
     DiagFrameReader reader_;
     DiagMasks masks_;
