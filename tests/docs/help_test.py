@@ -92,7 +92,6 @@ for document in ("README.md", "docs/scripting.md"):
     text = (SOURCE / document).read_bytes()
     filled = subprocess.run([MADE / "vxk_commands"], input=text, stdout=subprocess.PIPE, check=True).stdout
     compare(f"{document} has a table, as scripts/doc-tables makes it", (1, True), (text.count(b"made of the tables: "), text == filled))
-compare("vxk.1", listed, pairs(r"^\\fB(\d+)\\fR \\fB(\d+)", (MADE / "vxk.1").read_text()))
 
 verdicts = subprocess.run([PROGRAMS / "vxk-check", "--table"], stdout=subprocess.PIPE, text=True, check=True).stdout
 for option, subs in listed.items():

@@ -197,19 +197,18 @@ int diag_register_dci_client(int* client_id, uint16_t* list, int proc, void* os_
     return call(platform().dci_register, 1001, client_id, list, proc, os_params);
 }
 
-int diag_register_dci_signal_data(int client_id, int signal) {
-    return call(platform().dci_signal, 1001, client_id, signal);
+int diag_register_dci_signal_data(int, int) {
+    return 1001;
+}
+int diag_get_dci_support_list_proc(int, uint16_t*) {
+    return 1001;
 }
 
-int diag_get_dci_support_list_proc(int proc, uint16_t* list) {
-    return call(platform().dci_support, 1001, proc, list);
-}
-
-int diag_register_dci_stream_proc(int client_id, void (*logs)(unsigned char*, int),
+int diag_register_dci_stream_proc(int, void (*logs)(unsigned char*, int),
                                   void (*events)(unsigned char*, int)) {
     platform().dci_logs = logs;
     platform().dci_events = events;
-    return call(platform().dci_streams, 1001, client_id);
+    return 1001;
 }
 
 int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned char*, int,

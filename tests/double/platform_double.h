@@ -51,9 +51,6 @@ struct PlatformDouble {
     std::function<bool()> lsm_deinit;
     std::function<int(int proc, const std::vector<uint8_t>& bytes)> diag_send;
     std::function<int(int* client_id, uint16_t* list, int proc, void* os_params)> dci_register;
-    std::function<int(int client_id, int signal)> dci_signal;
-    std::function<int(int proc, uint16_t* list)> dci_support;
-    std::function<int(int client_id)> dci_streams;
     std::function<int(int client_id, const std::vector<uint8_t>& bytes)> dci_send;
     std::function<int(int* client_id)> dci_release;
     uint16_t remote_mask = 0;

@@ -183,13 +183,6 @@ Over the DCI road full pieces are joined; a response that ends with one waits ou
   RIL[kelvra_diag_cmd_response_by_dci:#]: response, cmd_code = 0x51, data_size = 100
   RIL[kelvra_diag_cmd_send_with_result_by_dci_mode:#]: req end, data_size = 4196, g_qcril_diag_rsp_buf.length = 4196, reply_len = 10240
 
-Too late, never, and before the send's own answer.
-
-  $ boot '{"diag": {"responses": [{"command": "00", "delay_ms": 2000}, {"command": "01", "silent": true},
-  >     {"before_answer": true, "size": 2}]}}'
-  $ for mode in 0 1; do for command in 0 1; do bytes 5 0 $mode 0 99 $command; done; bytes 5 0 $mode 0 3000 2; done | xargs
-  kelvra_diag_cmd_send fail kelvra_diag_cmd_send fail rsp data len(2) kelvra_diag_cmd_send fail kelvra_diag_cmd_send fail rsp data len(2)
-
 Log and event streams, and an event of another kind, on the library's thread.
 
   $ boot '{"diag": {"delay_ms": 100, "streams": [{"event": "log", "bytes": "10 00"}, {"event": 99, "bytes": "01"},

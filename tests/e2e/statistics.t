@@ -23,12 +23,6 @@ Every measurement, of both subscriptions. Antenna information is that of subscri
   rx_agc_0: -71.25, rx_agc_1: -73.50|rx_agc_0: -73.00, rx_agc_1: -75.25
   rx_prx: -63.50, rx_drx: -66.25|rx_prx: -65.75, rx_drx: -68.50
   ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2|ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2
-  $ head -2 all; tail -3 all
-  opt = 0, sub = 0, g_kolvo_client_id = 0
-  Success to get data, number = 1, sub = 0, ret id_num = 1, id = 82, data_len = 75
-  opt = 30, sub = 1, g_kolvo_client_id = 0
-  Success to get data, number = 1, sub = 0, ret id_num = 1, id = 100, data_len = 8
-  ANT INFO: ant_num: 4, ant_path: 258, sig_path: 515, old_config: 1, new_config: 2
 
 What the modem does not have.
 
@@ -102,19 +96,6 @@ Answers that are not what was asked for.
   Success to get data, number = 1, sub = 0, ret id_num = 1, id = 112, data_len = 19
   g_kolvo_data_left(3) is not enough for snr3, id(0x70)
   Fail to get data, ret_id(-1) is invalid, number = 1, sub = 0, ret id_num = 1, id = 113
-
-Answers without content, with an error or cut short; a modem that goes away between the two requests.
-
-  $ boot '{"faults": [
-  >   {"service": "statistics", "message": 519, "action": "result", "result": 0},
-  >   {"service": "statistics", "message": 519, "action": "result", "result": 48},
-  >   {"service": "statistics", "message": 519, "action": "cut", "keep": 14},
-  >   {"service": "statistics", "message": 519, "action": "close"}]}'
-  $ for fault in 1 2 3 4; do vxk 9 20 0 | tail -n +2; done
-  Fail to get data fail, number = 1, ret = 1, sub = 0, id = 110
-  Fail to get data fail, number = 1, ret = 5, sub = 0, id = 110
-  Fail to get data fail, number = 1, ret = 12, sub = 0, id = 110
-  Fail to get data fail, number = 1, ret = 1, sub = 0, id = 110
 
 A feature that cannot be switched on does not keep the modem from being asked. When the service is gone it is looked for again
 after a second.
