@@ -13,6 +13,8 @@ import json
 import os
 import random
 import re
+import socket
+import struct
 import subprocess
 import sys
 import tempfile
@@ -73,6 +75,20 @@ class Handset:
         shown = (self.folder / "state/board").read_text().splitlines()
         return next((line.split("\t")[2] for line in shown if line.startswith(f"modem\t{name}\t")), "")
 
+    def leave_in_the_middle(self) -> None:
+        """Clients that ask for the beginning of a large file and go, one after the other."""
+        path = b"/large"
+        (self.folder / "efs/0/large").write_bytes(bytes(100_000))
+        payload = struct.pack("<BBHB71s12x", 4, 0, 0, len(path), path).ljust(512, b"\0")
+        tlvs = ((1, struct.pack("<I", 2)), (2, struct.pack("<I", len(payload))), (0x10, payload))
+        body = b"".join(struct.pack("<BH", kind, len(value)) + value for kind, value in tlvs)
+        for _ in range(50):
+            with socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET) as client:
+                client.connect(str(self.folder / "qmi/65508"))
+                client.send(struct.pack("<BHHH", 0, 1, 2, len(body)) + body)
+                if len(client.recv(65536)) < 400:
+                    raise Failed("the beginning of a file is not read")
+
     def complaints(self, descriptors: int, memory: int) -> list[str]:
         """What it still holds after it has come to rest."""
         deadline = time.monotonic() + 5 * SLOWNESS
@@ -80,6 +96,7 @@ class Handset:
             if time.monotonic() > deadline:
                 return [f"modem {self.modem('state')}, {self.descriptors()} descriptors, {descriptors} before"]
             time.sleep(0.05)
+        self.leave_in_the_middle()
         found = [str(path) for path in self.folder.rglob("*") if path.is_file() and not path.is_socket()]
         left = [path for path in found if Path(path).relative_to(self.folder).parts[0] not in KEPT]
         complaints = [f"files are left: {left}"] if left else []
