@@ -219,7 +219,9 @@ void Port::send_answer(ConnectionId connection, const Exchange& exchange, const 
     WireLine entry = exchange.answer_line(packet);
     if (!fault.empty())
         entry.fault(fault);
-    after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
+    if (delay.count() == 0)
+        return send(connection, packet, entry);
+    core_.loop().after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });
 }
 
 void Port::after(std::chrono::milliseconds delay, EventLoop::Action action) {
