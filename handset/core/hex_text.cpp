@@ -10,19 +10,27 @@ constexpr size_t kZeroTail = 8;
 
 constexpr size_t kWidth = 3;
 
-// Every byte as "00 " to "FF ", in a size that is copied as one word; the fourth character is of no account.
+// Every byte as "00 " to "FF ", its first character lowest, so that two bytes are stored as one word.
 struct Pairs {
-    char text[256][4] = {};
+    uint64_t text[256] = {};
 
     constexpr Pairs() {
-        for (size_t byte = 0; byte < 256; ++byte) {
-            text[byte][0] = kDigits[byte >> 4];
-            text[byte][1] = kDigits[byte & 15];
-            text[byte][2] = ' ';
-        }
+        for (size_t byte = 0; byte < 256; ++byte)
+            text[byte] = static_cast<uint64_t>(kDigits[byte >> 4]) |
+                         static_cast<uint64_t>(kDigits[byte & 15]) << 8 | uint64_t{' '} << 16;
     }
 };
 constexpr Pairs kPairs;
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
+
+void store_words(char* out, wire::View bytes) {
+    for (size_t i = 0; i < bytes.size; i += 2, out += 2 * kWidth) {
+        uint64_t word = kPairs.text[bytes.data[i]];
+        if (i + 1 < bytes.size)
+            word |= kPairs.text[bytes.data[i + 1]] << (8 * kWidth);
+        memcpy(out, &word, sizeof word);
+    }
+}
 
 int digit_value(char digit) {
     if (digit >= '0' && digit <= '9')
@@ -50,10 +58,8 @@ void append_hex(std::string& out, wire::View bytes) {
     }
     // Every message goes through here on its way into the wire log: one growth, with room for the last word.
     const size_t start = out.size();
-    out.resize(start + shown * kWidth + 1);
-    char* next = out.data() + start;
-    for (size_t i = 0; i < shown; ++i, next += kWidth)
-        memcpy(next, kPairs.text[bytes.data[i]], sizeof kPairs.text[0]);
+    out.resize(start + shown * kWidth + sizeof(uint64_t));
+    store_words(out.data() + start, {bytes.data, shown});
     out.resize(start + shown * kWidth - (shown > 0 ? 1 : 0));
     if (zeros > 0)
         out += (shown > 0 ? " (+" : "(+") + std::to_string(zeros) + " zero)";

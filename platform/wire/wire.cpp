@@ -47,11 +47,10 @@ View Reader::bytes(size_t count) {
 }
 
 Writer& Writer::number(uint64_t value, size_t width) {
-    const size_t start = buffer_.size();
-    buffer_.resize(start + width);
-    for (size_t i = 0; i < width; ++i)
-        buffer_[start + i] = static_cast<uint8_t>(value >> (8 * i));
-    return *this;
+    uint8_t low[sizeof value];
+    for (size_t i = 0; i < sizeof low; ++i)
+        low[i] = static_cast<uint8_t>(value >> (8 * i));
+    return bytes({low, width});
 }
 
 Writer& Writer::bytes(View bytes) {
