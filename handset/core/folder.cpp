@@ -29,8 +29,8 @@ struct flock whole_file_lock() {
 }  // namespace
 
 std::string default_folder() {
-    const auto named = host::named_handset_folder();
-    return named ? resolved_folder(*named) : host::default_handset_folder();
+    const char* named = host::named_handset_folder();
+    return named ? resolved_folder(named) : host::default_handset_folder();
 }
 
 std::string resolved_folder(const std::string& path) {

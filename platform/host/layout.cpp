@@ -15,13 +15,14 @@ std::string default_handset_folder() {
     return "/tmp/vxk-handset-" + std::to_string(getuid());
 }
 
-std::optional<std::string> named_handset_folder() {
+const char* named_handset_folder() {
     const char* folder = getenv("VXK_HANDSET_DIR");
-    return folder && *folder ? std::optional<std::string>(folder) : std::nullopt;
+    return folder && *folder ? folder : nullptr;
 }
 
 std::string handset_folder() {
-    return named_handset_folder().value_or(default_handset_folder());
+    const char* named = named_handset_folder();
+    return named ? named : default_handset_folder();
 }
 
 std::optional<sockaddr_un> socket_address(const std::string& path) {

@@ -27,9 +27,9 @@ constexpr size_t kSocketPathMax = 99;
 /// /tmp/vxk-handset-<uid>.
 std::string default_handset_folder();
 
-/// VXK_HANDSET_DIR as it was given; nothing when it is unset or empty. Asked anew at every call, so that one
-/// process can see several handsets.
-std::optional<std::string> named_handset_folder();
+/// VXK_HANDSET_DIR as it was given, the environment's own; null when it is unset or empty. Asked anew at
+/// every call, so that one process can see several handsets.
+const char* named_handset_folder();
 
 /// The named one, or the default.
 std::string handset_folder();

@@ -53,10 +53,10 @@ std::shared_ptr<Modem> named_modem(const std::string& words) {
     return kind == "folder" && !which.empty() ? folder_modem(which) : nullptr;
 }
 
-/// Which choice the environment asks for, and the modem that it led to.
+/// Which choice the environment asks for, and the modem that it led to. What is empty is not asked for.
 struct Choice {
     std::string words;
-    std::optional<std::string> folder;
+    std::string folder;
     bool is_default_bus = false;
     std::shared_ptr<Modem> modem;
 };
@@ -70,9 +70,9 @@ void choose_default(Choice& choice) {
 }
 
 void choose(Choice& choice) {
-    if (choice.words.empty() && !choice.folder)
+    if (choice.words.empty() && choice.folder.empty())
         return choose_default(choice);
-    choice.modem = choice.words.empty() ? folder_modem(*choice.folder) : named_modem(choice.words);
+    choice.modem = choice.words.empty() ? folder_modem(choice.folder) : named_modem(choice.words);
     if (choice.modem)
         return;
     fflush(stdout);
@@ -81,19 +81,25 @@ void choose(Choice& choice) {
     _exit(EXIT_SUCCESS);
 }
 
+bool is_same(const std::string& before, const char* now) {
+    return now ? before == now : before.empty();
+}
+
 }  // namespace
 
 std::shared_ptr<Modem> modem() {
     static auto* mutex = new std::mutex;
     static auto* last = new Choice;
+    // Every line of the log asks: what has not changed is not copied.
     const char* words = getenv("VXK_MODEM");
-    Choice now{words ? words : "", host::named_handset_folder(), false, nullptr};
+    const char* folder = host::named_handset_folder();
     const std::lock_guard<std::mutex> lock(*mutex);
-    const bool is_same = last->modem && last->words == now.words && last->folder == now.folder;
-    if (!is_same || (last->is_default_bus && has_default_folder())) {
-        choose(now);
-        *last = std::move(now);
-    }
+    if (last->modem && is_same(last->words, words) && is_same(last->folder, folder) &&
+        !(last->is_default_bus && has_default_folder()))
+        return last->modem;
+    Choice now{words ? words : "", folder ? folder : "", false, nullptr};
+    choose(now);
+    *last = std::move(now);
     return last->modem;
 }
 
