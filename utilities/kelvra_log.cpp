@@ -2,6 +2,7 @@
 
 #include <syslog.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -17,7 +18,7 @@ namespace {
 constexpr int kNotRead = 2;
 
 // Copies of a longer message are cut in the system log; the console always gets the whole text.
-constexpr size_t kSystemLogMax = 16384;
+constexpr int kSystemLogMax = 16384;
 
 bool debug_copies_are_on() {
     int state = g_adb_log_state.load(std::memory_order_relaxed);
@@ -33,17 +34,48 @@ bool debug_copies_are_on() {
 
 using SystemLog = void (*)(const char* fmt, ...);
 
+// A message of usual length, with room around it for what its line begins and ends with.
+class Line {
+public:
+    /// The length that the message has, which may be more than is kept.
+    __attribute__((format(printf, 2, 0))) int format(const char* fmt, va_list args) {
+        const int length = vsnprintf(text_ + kHeadMax, kSystemLogMax, fmt, args);
+        end_ = text_ + kHeadMax + std::clamp<int>(length, 0, kSystemLogMax - 1);
+        return length;
+    }
+    /// The message behind a head, which takes the place of the head before; the end may be written to.
+    __attribute__((format(printf, 2, 3))) char* behind(const char* fmt, ...) {
+        char head[kHeadMax];
+        va_list args;
+        va_start(args, fmt);
+        const int length = std::clamp<int>(vsnprintf(head, sizeof head, fmt, args), 0, kHeadMax - 1);
+        va_end(args);
+        char* const start = text_ + kHeadMax - length;
+        memcpy(start, head, static_cast<size_t>(length));
+        return start;
+    }
+    char* end() { return end_; }
+
+private:
+    static constexpr int kHeadMax = 256;
+
+    char text_[kHeadMax + kSystemLogMax];
+    char* end_ = text_ + kHeadMax;
+};
+
 // Both forms of one message. It is formatted once for both, unless it is longer than the system log keeps.
 __attribute__((format(printf, 4, 0))) void log_message(const KelvraLogSite& site, SystemLog copy,
                                                        bool to_console, const char* fmt, va_list args) {
-    char message[kSystemLogMax];
+    Line line;
     va_list again;
     va_copy(again, args);
-    const int length = vsnprintf(message, sizeof message, fmt, args);
+    const int length = line.format(fmt, args);
     if (copy != nullptr)
-        copy("SUB[%s][%s:%d] %s: %s", "shell", site.unit, site.line, site.function, message);
-    if (to_console && length < static_cast<int>(sizeof message)) {
-        printf("RIL[%s:%d]: %s\n", site.function, site.line, message);
+        copy("%s", line.behind("SUB[%s][%s:%d] %s: ", "shell", site.unit, site.line, site.function));
+    if (to_console && length < kSystemLogMax) {
+        const char* const start = line.behind("RIL[%s:%d]: ", site.function, site.line);
+        *line.end() = '\n';
+        fwrite(start, 1, static_cast<size_t>(line.end() + 1 - start), stdout);
     } else if (to_console) {
         flockfile(stdout);
         printf("RIL[%s:%d]: ", site.function, site.line);
