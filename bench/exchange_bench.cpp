@@ -209,7 +209,7 @@ constexpr uint32_t kFileLength = 100'000;
 // What a user has, beyond the tool's own work in an exchange: three lines in the system log, and a modem that
 // decodes every packet and writes it into its wire log. Both cost as much as the bare exchange.
 constexpr double kWithCopiesLimit = 3;
-constexpr double kWithHandsetLimit = 4;
+constexpr double kWithHandsetLimit = 3;
 
 }  // namespace
 
