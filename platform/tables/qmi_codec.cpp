@@ -223,10 +223,9 @@ std::optional<wire::Bytes> encode_message(const qmi_idl_message& message, const 
         const Element& element = message.elements[i];
         if ((element.flags & QMI_IDL_OPTIONAL) && holder[element.valid_offset] == 0)
             continue;
-        Writer value;
-        if (!encode_value(element, holder, value) || value.size() > UINT16_MAX)
+        const size_t begun = body.begin_tlv(element.tlv);
+        if (!encode_value(element, holder, body) || !body.end_tlv(begun))
             return std::nullopt;
-        body.tlv(element.tlv, value.data());
     }
     return body.take();
 }

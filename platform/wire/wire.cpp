@@ -63,6 +63,18 @@ Writer& Writer::tlv(uint8_t type, View value) {
     return u8(type).u16(static_cast<uint16_t>(length)).bytes({value.data, length});
 }
 
+size_t Writer::begin_tlv(uint8_t type) {
+    u8(type).u16(0);
+    return buffer_.size();
+}
+
+bool Writer::end_tlv(size_t begun) {
+    const size_t length = buffer_.size() - begun;
+    buffer_[begun - 2] = static_cast<uint8_t>(length);
+    buffer_[begun - 1] = static_cast<uint8_t>(length >> 8);
+    return length <= UINT16_MAX;
+}
+
 std::optional<Tlv> TlvReader::next() {
     if (reader_.left() == 0)
         return std::nullopt;
@@ -93,7 +105,7 @@ std::optional<View> find_tlv(View body, uint8_t type) {
 
 Bytes encode(const QmiPacket& packet) {
     const size_t length = std::min<size_t>(packet.body.size, UINT16_MAX);
-    Writer writer;
+    Writer writer(kQmiHeaderSize + length);
     writer.u8(packet.flags)
         .u16(packet.transaction)
         .u16(packet.message)

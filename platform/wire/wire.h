@@ -60,7 +60,9 @@ private:
 /// Appends little-endian numbers to a buffer.
 class Writer {
 public:
-    Writer() { buffer_.reserve(kUsualSize); }
+    Writer() : Writer(kUsualSize) {}
+    /// `size` is how much room is made at first.
+    explicit Writer(size_t size) { buffer_.reserve(size); }
 
     Writer& u8(uint8_t value) { return number(value, 1); }
     Writer& u16(uint16_t value) { return number(value, 2); }
@@ -74,6 +76,11 @@ public:
 
     /// One TLV. The value may have at most 65,535 bytes; a longer one is cut.
     Writer& tlv(uint8_t type, View value);
+
+    /// A TLV whose value is what is written until end_tlv(), which is given what begin_tlv() returned. False:
+    /// it has become longer than a TLV may be.
+    size_t begin_tlv(uint8_t type);
+    bool end_tlv(size_t begun);
 
     size_t size() const { return buffer_.size(); }
     const Bytes& data() const { return buffer_; }
