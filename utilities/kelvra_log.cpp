@@ -3,10 +3,14 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
+#include <iterator>
+#include <string_view>
 
 #include "cutils/properties.h"
 
@@ -44,14 +48,14 @@ public:
         return length;
     }
     /// The message behind a head, which takes the place of the head before; the end may be written to.
-    __attribute__((format(printf, 2, 3))) char* behind(const char* fmt, ...) {
-        char head[kHeadMax];
-        va_list args;
-        va_start(args, fmt);
-        const int length = std::clamp<int>(vsnprintf(head, sizeof head, fmt, args), 0, kHeadMax - 1);
-        va_end(args);
-        char* const start = text_ + kHeadMax - length;
-        memcpy(start, head, static_cast<size_t>(length));
+    char* behind(std::initializer_list<std::string_view> head) {
+        char* start = text_ + kHeadMax;
+        for (const std::string_view* word = head.end(); word != head.begin();) {
+            --word;
+            const size_t size = std::min(word->size(), static_cast<size_t>(start - text_));
+            start -= size;
+            memcpy(start, word->data(), size);
+        }
         return start;
     }
     char* end() { return end_; }
@@ -70,10 +74,13 @@ __attribute__((format(printf, 4, 0))) void log_message(const KelvraLogSite& site
     va_list again;
     va_copy(again, args);
     const int length = line.format(fmt, args);
+    char digits[16];
+    const size_t count = static_cast<size_t>(std::to_chars(digits, std::end(digits), site.line).ptr - digits);
+    const std::string_view number(digits, count);
     if (copy != nullptr)
-        copy("%s", line.behind("SUB[%s][%s:%d] %s: ", "shell", site.unit, site.line, site.function));
+        copy("%s", line.behind({"SUB[shell][", site.unit, ":", number, "] ", site.function, ": "}));
     if (to_console && length < kSystemLogMax) {
-        const char* const start = line.behind("RIL[%s:%d]: ", site.function, site.line);
+        const char* const start = line.behind({"RIL[", site.function, ":", number, "]: "});
         *line.end() = '\n';
         fwrite(start, 1, static_cast<size_t>(line.end() + 1 - start), stdout);
     } else if (to_console) {
