@@ -57,14 +57,18 @@ public:
     }
 
 private:
-    const host::QrtrSocket socket_;
-    const bool is_subscribed_;
+    host::QrtrSocket socket_;
+    bool is_subscribed_;
 };
 
 class QrtrChannel : public Channel {
 public:
-    QrtrChannel(uint32_t service_id, const QrtrAddress& server)
-        : subscriber_(service_id), shut_(eventfd(0, EFD_CLOEXEC)), server_(server) {}
+    /// `is_listed`: the subscriber has already been told of the server.
+    QrtrChannel(Subscriber subscriber, const QrtrAddress& server, bool is_listed)
+        : subscriber_(std::move(subscriber)),
+          shut_(eventfd(0, EFD_CLOEXEC)),
+          server_(server),
+          is_listed_(is_listed) {}
 
     bool is_open() const { return subscriber_.is_subscribed() && shut_; }
 
@@ -95,12 +99,13 @@ public:
     }
 
     ssize_t receive(uint8_t* room, size_t size, Clock::time_point deadline) override {
-        const int limit = poll_limit(deadline);
-        pollfd watched[] = {{descriptor(), POLLIN, 0}, {shut_.get(), POLLIN, 0}};
-        if (limit != 0)
-            poll(watched, 2, limit);
         QrtrAddress from;
-        const ssize_t count = subscriber_.socket().receive(room, size, from);
+        ssize_t count = subscriber_.socket().receive(room, size, from);
+        if (count < 0 && errno == EAGAIN) {
+            pollfd watched[] = {{descriptor(), POLLIN, 0}, {shut_.get(), POLLIN, 0}};
+            poll(watched, 2, poll_limit(deadline));
+            count = subscriber_.socket().receive(room, size, from);
+        }
         if (count < 0 && errno == EAGAIN)
             return is_shut_ ? -1 : 0;
         // A reset of the bus is an error of the socket.
@@ -129,7 +134,7 @@ private:
     const host::UniqueFd shut_;  // an eventfd
     const QrtrAddress server_;
     std::atomic<bool> is_shut_{false};
-    bool is_listed_ = false;  // of whoever receives
+    bool is_listed_;  // of whoever receives
 };
 
 /// The words of an instance's description.
@@ -155,6 +160,12 @@ public:
 
     int descriptor() const { return subscriber_.descriptor(); }
     const std::vector<QrtrNews>& servers() const { return servers_; }
+    bool lists(const QrtrAddress& address) const {
+        return std::any_of(servers_.begin(), servers_.end(),
+                           [&](const QrtrNews& server) { return server.address == address; });
+    }
+    /// Nothing is left of it.
+    Subscriber take_subscriber() { return std::move(subscriber_); }
 
     /// Reads what has come; the first time, to the list's end. False when the name service is lost.
     bool refresh() {
@@ -191,7 +202,7 @@ private:
             servers_.push_back(news);
     }
 
-    const Subscriber subscriber_;
+    Subscriber subscriber_;
     std::vector<QrtrNews> servers_;
     bool is_complete_ = false;
 };
@@ -243,13 +254,24 @@ void QrtrRoad::wait_for_change(const std::vector<uint32_t>& service_ids, Clock::
     poll(watched.data(), watched.size(), poll_limit(std::min(deadline, Clock::now() + kLookAgain)));
 }
 
+/// On the socket that found the server, if nobody waits at it: the kernel takes long to close one. Null: it
+/// cannot be opened.
+std::unique_ptr<Channel> QrtrRoad::channel_to(uint32_t service_id, const QrtrAddress& server) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto known = lookups_.find(service_id);
+    const bool is_listed =
+        known != lookups_.end() && known->second.use_count() == 1 && known->second->lists(server);
+    auto channel = std::make_unique<QrtrChannel>(
+        is_listed ? known->second->take_subscriber() : Subscriber(service_id), server, is_listed);
+    if (is_listed)
+        lookups_.erase(known);
+    return channel->is_open() ? std::move(channel) : nullptr;
+}
+
 std::unique_ptr<Channel> QrtrRoad::open(uint32_t service_id, const qmi_service_info* instance,
                                         Clock::time_point deadline) {
     const Instances found = instance ? Instances{*instance} : look(service_id, {}, deadline);
-    if (found.empty())
-        return nullptr;
-    auto channel = std::make_unique<QrtrChannel>(service_id, address_of(found.front()));
-    return channel->is_open() ? std::move(channel) : nullptr;
+    return found.empty() ? nullptr : channel_to(service_id, address_of(found.front()));
 }
 
 std::string QrtrRoad::absence() const {

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 
+#include "qrtr.h"
 #include "road.h"
 
 namespace seam {
@@ -30,6 +31,7 @@ private:
     class Lookup;
 
     std::shared_ptr<Lookup> lookup(uint32_t service_id);
+    std::unique_ptr<Channel> channel_to(uint32_t service_id, const host::QrtrAddress& server);
 
     const std::optional<uint32_t> node_;
     const std::string hint_;
