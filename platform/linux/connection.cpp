@@ -96,8 +96,10 @@ bool Connection::is_own_thread() const {
 
 // Callers.
 
-Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Clock::time_point deadline,
+Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Milliseconds limit,
                                          wire::Bytes& answer) {
+    const auto start = Clock::now();
+    const auto deadline = start + limit;
     std::unique_lock<std::mutex> lock(mutex_);
     if (has_ended_ || is_closed_)
         return Outcome::kEnded;
@@ -116,7 +118,7 @@ Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Clock:
         wait_for_answer(request, deadline, lock);
     open_.erase(std::find(open_.begin(), open_.end(), &request));
     if (reader_ == &request)
-        stop_reading();
+        stop_reading(start);
     if (trace_) {
         if (!request.is_answered)
             trace_->gave_up(packet);
@@ -178,9 +180,9 @@ void Connection::start_reading(const Request& request) {
         set_watched(false);
 }
 
-void Connection::stop_reading() {
+void Connection::stop_reading(Clock::time_point start) {
     reader_ = nullptr;
-    watch_for_burst();
+    watch_for_burst(start);
     if (!is_burst_)
         set_watched(true);
     changed_.notify_all();
@@ -190,9 +192,8 @@ void Connection::set_watched(bool is_watched) {
     watch(epoll_.get(), EPOLL_CTL_MOD, channel_->descriptor(), is_watched ? EPOLLIN : 0U);
 }
 
-void Connection::watch_for_burst() {
-    const auto now = Clock::now();
-    if (now - std::exchange(read_at_, now) > Milliseconds(kQuietTime))
+void Connection::watch_for_burst(Clock::time_point start) {
+    if (start - std::exchange(started_at_, start) > Milliseconds(kQuietTime))
         exchanges_ = 0;
     if (++exchanges_ < kBurst || is_burst_)
         return;

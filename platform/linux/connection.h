@@ -50,8 +50,8 @@ public:
     bool start();
 
     /// Sends a request and waits for the answer that has its key. kRefused: the system does not take the
-    /// packet. An answer that comes after the deadline, or that nobody asked for, is dropped. Any thread.
-    Outcome exchange(wire::View packet, uint32_t key, Clock::time_point deadline, wire::Bytes& answer);
+    /// packet. An answer that comes after the limit, or that nobody asked for, is dropped. Any thread.
+    Outcome exchange(wire::View packet, uint32_t key, Milliseconds limit, wire::Bytes& answer);
 
     /// Sends a packet that has no answer. kAnswered: it is sent. Any thread.
     Outcome send(wire::View packet, Clock::time_point deadline);
@@ -83,9 +83,9 @@ private:
     void sleep_until_something_happens(std::unique_lock<std::mutex>& lock);
     void wait_for_answer(Request& request, Clock::time_point deadline, std::unique_lock<std::mutex>& lock);
     void start_reading(const Request& request);
-    void stop_reading();
+    void stop_reading(Clock::time_point start);
     void set_watched(bool is_watched);
-    void watch_for_burst();
+    void watch_for_burst(Clock::time_point start);
     ssize_t receive(Clock::time_point deadline);
     void take(ssize_t size);
     void hand_out(wire::View packet);
@@ -112,7 +112,7 @@ private:
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
     const Request* reader_ = nullptr;  // whose caller reads the channel
-    Clock::time_point read_at_;        // when the last exchange ended
+    Clock::time_point started_at_;     // the last exchange whose caller read
     unsigned exchanges_ = 0;           // one soon after the other
     bool is_burst_ = false;            // of exchanges: the connection's thread does not watch the channel
     bool was_read_ = false;            // by a caller, since the thread looked last

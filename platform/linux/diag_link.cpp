@@ -49,8 +49,7 @@ public:
         wire::Writer packet;
         packet.u8(op).bytes(payload.data());
         wire::Bytes answer;
-        if (connection_.exchange(packet.data(), op, Clock::now() + kAnswerLimit, answer) !=
-            Outcome::kAnswered)
+        if (connection_.exchange(packet.data(), op, kAnswerLimit, answer) != Outcome::kAnswered)
             return nullptr;
         return std::make_unique<DiagReply>(std::move(answer));
     }

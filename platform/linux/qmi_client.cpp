@@ -62,15 +62,13 @@ public:
     qmi_client_error_type send(const qmi_idl_message& request, const void* structure,
                                const qmi_idl_message& response, void* result,
                                std::chrono::milliseconds limit) {
-        const auto deadline = Clock::now() + limit;
         const auto body = encode_message(request, structure);
         if (!body || body->size() > UINT16_MAX)
             return QMI_INTERNAL_ERR;
         const uint16_t transaction = next_transaction();
         const auto packet = wire::encode({wire::kQmiRequest, transaction, request.message_id, *body});
         wire::Bytes answer;
-        switch (
-            connection_.exchange(packet, request_key(transaction, request.message_id), deadline, answer)) {
+        switch (connection_.exchange(packet, request_key(transaction, request.message_id), limit, answer)) {
             case Outcome::kAnswered:
                 return decode_answer(response, answer, result);
             case Outcome::kEnded:
