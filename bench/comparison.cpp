@@ -22,7 +22,8 @@ constexpr double kImprovement = 0.99;
 class Contestant {
 public:
     explicit Contestant(const Side& side) : side_(side) {
-        while (turn(repeats_) < kTurn)
+        // What is slow only the first time makes no turn of too few.
+        while (std::min(turn(repeats_), turn(repeats_)) < kTurn)
             repeats_ *= 2;
     }
 
