@@ -60,7 +60,7 @@ TEST(HandsetDiag, KeepsToTheConversation) {
             > 09 01 00 00 00 02 $dci_sent < 41 A1 A2 < nothing < 41 A3 > 09 01 00 00 00 05 < 41 $dci_sent
             > 09 01 00 00 00 7B > 0A 01 00 00 00 < 8A E9 03 00 00 $dci_sent < nothing)"},
         // Streams: of a log and an event only a listener hears.
-        {R"("diag": {"streams": [{"event": "log", "bytes": "10", "every_ms": 250, "count": 3},
+        {R"("diag": {"streams": [{"event": "log", "bytes": "10", "every_ms": 250, "count": 2},
             {"event": "event", "size": 2}, {"event": "0x55", "after": "remote_mask", "bytes": "01"},
             {"event": "log", "after": "dci_register", "bytes": "FF"}, {"event": "response", "after": 10}]})",
          R"(

@@ -246,6 +246,20 @@ TEST_F(HandsetTest, AReadIsOfOneFile) {
     EXPECT_EQ(client.file({4, "/f", 0, 0, 414}).data, pattern(500).substr(414)) << "read anew";
 }
 
+TEST_F(HandsetTest, AnswersWaitInOrderForAClientThatReadsLate) {
+    constexpr uint16_t kMoreThanASocketHolds = 500;
+    const RunningHandset handset(place_);
+    const Client client(handset.dir(), "qmi/65508");
+    const Bytes body = wire::Writer().tlv(1, Bytes(4)).tlv(2, Bytes{0, 2, 0, 0}).tlv(0x10, Bytes(512)).take();
+    for (uint16_t number = 1; number <= kMoreThanASocketHolds; ++number)
+        client.send(wire::encode({wire::kQmiRequest, number, 2, body}));
+    for (uint16_t number = 1; number <= kMoreThanASocketHolds; ++number) {
+        const Bytes packet = client.receive().value_or(Bytes());
+        const auto answer = wire::decode_qmi(packet);
+        ASSERT_TRUE(answer && answer->transaction == number && answer->body.size == body.size()) << number;
+    }
+}
+
 TEST_F(HandsetTest, TakesFiftyGpioValues) {
     const RunningHandset handset(place_);
     for (const uint32_t count : {50U, 51U}) {
