@@ -62,6 +62,8 @@ class MachineLog : public SystemLog {
 public:
     bool write(const LogMessage& message) override {
         std::call_once(looked_, [this] { connect(); });
+        if (!socket_)
+            return false;
         const wire::Bytes head = is_android_ ? android_head(message) : syslog_head(message);
         char* entry = message.text - head.size();
         std::copy(head.begin(), head.end(), entry);
@@ -72,8 +74,7 @@ public:
             size = std::min(size + 1, kAndroidMax);
             entry[size - 1] = '\0';
         }
-        return socket_ &&
-               send(socket_.get(), entry, size, MSG_DONTWAIT | MSG_NOSIGNAL) == static_cast<ssize_t>(size);
+        return send(socket_.get(), entry, size, MSG_DONTWAIT | MSG_NOSIGNAL) == static_cast<ssize_t>(size);
     }
 
 private:
