@@ -219,6 +219,7 @@ void Port::send_answer(ConnectionId connection, const Exchange& exchange, const 
     WireLine entry = exchange.answer_line(packet);
     if (!fault.empty())
         entry.fault(fault);
+    // Most are due at once, and need no copy that outlives this.
     if (delay.count() == 0)
         return send(connection, packet, entry);
     core_.loop().after(delay, [this, connection, packet, entry] { send(connection, packet, entry); });

@@ -66,7 +66,7 @@ void close_socket(int fd) {
     close(fd);
 }
 
-/// How long a receive waits that waits at all.
+// A receive that waits at all waits so long.
 void limit_receive(int fd, std::chrono::microseconds time) {
     const timeval limit{0, static_cast<suseconds_t>(time.count())};
     setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
@@ -113,7 +113,7 @@ private:
 
     void accept_connection();
     void ready(ConnectionId id, uint32_t events);
-    /// Whether it may go on at once: a packet came, and was taken.
+    /// True when a packet came and was taken.
     bool receive(ConnectionId id, Wait wait);
     /// Receives what follows soon, if the connection has a burst.
     void stay_with(ConnectionId id);
