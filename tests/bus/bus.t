@@ -40,8 +40,8 @@ The lowest instance is taken, and the other one when that is gone. An instance t
 
 A service that goes away under a command, by itself, with its handset, and because it closes the connection of another client.
 
-  $ boot '{"faults": [{"service": "extension", "action": "withdraw", "ms": 300}]}'
-  $ vxk 4 1 0 10 | grep -a fail; published 65508 0; vxk 4 1 0 10 | grep -a fail
+  $ boot '{"faults": [{"service": "extension", "action": "withdraw", "ms": 2000}]}'
+  $ vxk 4 1 0 10 | grep -a fail; published 65508 0 && vxk 4 1 0 10 2> waiting | grep -a fail
   send msg sync failed:-2
   RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail
   kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS

@@ -103,7 +103,7 @@ after a second.
   $ boot '{"faults": [
   >   {"service": "statistics", "message": 3, "action": "result", "result": 94},
   >   {"service": "statistics", "message": 3, "action": "cut", "keep": 2},
-  >   {"service": "statistics", "message": 3, "action": "withdraw", "ms": 1500}]}'
+  >   {"service": "statistics", "message": 3, "action": "withdraw", "ms": 2500}]}'
   $ for fault in 1 2 3; do vxk 9 21 1 | folded; done
   modem_api_set_kolvo_feature_status, start fail, result = 4 | opt = 21, sub = 1, g_kolvo_client_id = 0 | Success to get data, number = 1, sub = 1, ret id_num = 1, id = 111, data_len = 9 | ASDIV DATA: rx_prx: -65.75, rx_drx: -68.50
   modem_api_set_kolvo_feature_status, start fail, result = 12 | opt = 21, sub = 1, g_kolvo_client_id = 0 | Success to get data, number = 1, sub = 1, ret id_num = 1, id = 111, data_len = 9 | ASDIV DATA: rx_prx: -65.75, rx_drx: -68.50
