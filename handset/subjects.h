@@ -2,6 +2,7 @@
 // and those of the others that it speaks to, which stand above it.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "at_channel.h"
@@ -16,13 +17,16 @@
 #include "maintenance.h"
 #include "modem_files.h"
 #include "profile_section.h"
-#include "sar_service.h"
+#include "qmi_service.h"
 #include "statistics_debug.h"
-#include "statistics_service.h"
 #include "uim_service.h"
 #include "uim_sim_access.h"
 
 namespace handset {
+
+// The services to which no other subject speaks. Each is whole in the file of its name.
+LoneService statistics_service();
+LoneService sar_service();
 
 /// What a profile tells them; each declares its own section beside its code.
 struct Profile {
@@ -31,9 +35,8 @@ struct Profile {
     CardsProfile cards;
     EuiccProfile euicc;
     UimProfile uim;
-    StatisticsProfile statistics;
+    std::vector<LoneService> lone_services = {statistics_service(), sar_service()};
     DebugProfile debug;
-    SarProfile sar;
     AtProfile at;
     DiagProfile diag;
     std::vector<Fault> faults;
@@ -47,9 +50,9 @@ inline void read_profile(Section& root, Profile& profile) {
     root.section("cards", profile.cards);
     root.section("euicc", profile.euicc);
     root.section("uim", profile.uim);
-    root.section("statistics", profile.statistics);
+    for (const LoneService& service : profile.lone_services)
+        root.object(service.section, service.read);
     root.section("debug", profile.debug);
-    root.section("sar", profile.sar);
     root.section("at", profile.at);
     root.section("diag", profile.diag);
     root.list("faults", kMostFaults,
@@ -63,8 +66,7 @@ struct Subjects {
           cards(core, requests, profile.cards),
           slots(core, requests, cards, profile.euicc),
           uim(core, slots, profile.uim),
-          statistics(core, profile.statistics),
-          sar(core, profile.sar),
+          lone_services(make_all(core, profile.lone_services)),
           sim(slots),
           at(core, profile.at, sim),
           diag_answers(profile.diag),
@@ -81,8 +83,7 @@ struct Subjects {
     Cards cards;
     UimSlots slots;
     UimService uim;
-    StatisticsService statistics;
-    SarService sar;
+    std::vector<std::unique_ptr<QmiService>> lone_services;
     UimSimAccess sim;
     AtChannel at;
     DiagAnswers diag_answers;  // of both ports

@@ -83,6 +83,14 @@ private:
 
 }  // namespace
 
+std::vector<std::unique_ptr<QmiService>> make_all(Core& core, const std::vector<LoneService>& services) {
+    std::vector<std::unique_ptr<QmiService>> made;
+    made.reserve(services.size());
+    for (const LoneService& service : services)
+        made.push_back(service.make(core));
+    return made;
+}
+
 wire::Writer qmi_result(uint32_t error) {
     wire::Writer value;
     value.u16(error == 0 ? 0 : 1).u16(static_cast<uint16_t>(error));

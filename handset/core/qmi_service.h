@@ -3,8 +3,10 @@
 // subjects.h.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "describe.h"
 #include "port.h"
@@ -14,6 +16,7 @@
 namespace handset {
 
 class QmiPort;
+class Section;
 
 struct QmiRequest {
     ConnectionId connection = 0;
@@ -66,6 +69,27 @@ private:
     const uint16_t id_;
     const std::unique_ptr<QmiPort> port_;
 };
+
+/// A service to which no other subject speaks: it needs no header, for this is all that is seen of its file.
+/// Copies share what was read.
+struct LoneService {
+    /// Its section of the profile.
+    const char* section;
+    std::function<void(Section&)> read;
+    /// Puts it into a handset, as what was read wants it.
+    std::function<std::unique_ptr<QmiService>(Core&)> make;
+};
+
+/// A `Service` is made from the core and a `Profile`, which has its own read_profile().
+template <typename Service, typename Profile>
+LoneService lone_service(const char* section) {
+    const auto profile = std::make_shared<Profile>();
+    return {section, [profile](Section& found) { read_profile(found, *profile); },
+            [profile](Core& core) { return std::make_unique<Service>(core, *profile); }};
+}
+
+/// Puts services in, in their order.
+std::vector<std::unique_ptr<QmiService>> make_all(Core& core, const std::vector<LoneService>& services);
 
 /// The standard result, TLV 0x02; error 0 is success. Further TLVs go behind it.
 wire::Writer qmi_result(uint32_t error = 0);

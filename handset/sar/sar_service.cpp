@@ -1,7 +1,9 @@
-#include "sar_service.h"
+// The modem's SAR service: which device state index it transmits by.
+#include <cstdint>
 
 #include "core.h"
 #include "profile_section.h"
+#include "qmi_service.h"
 
 namespace handset {
 namespace {
@@ -9,12 +11,29 @@ namespace {
 constexpr uint16_t kGetDsi = 2;  // no request TLVs; the answer: the result, 0x10 u32
 constexpr uint8_t kTlvDsi = 0x10;
 
-}  // namespace
+struct SarProfile {
+    uint32_t dsi = 3;
+    /// False: the answer is a success that brings no index.
+    bool valid = true;
+};
 
 void read_profile(Section& section, SarProfile& sar) {
     section.integer("dsi", sar.dsi);
     section.boolean("valid", sar.valid);
 }
+
+class SarService : public QmiService {
+public:
+    SarService(Core& core, const SarProfile& profile);
+
+    QmiAnswer handle(const QmiRequest& request) override;
+
+private:
+    void show();
+
+    Core& core_;
+    SarProfile profile_;
+};
 
 SarService::SarService(Core& core, const SarProfile& profile)
     : QmiService(core, messages::kSar), core_(core), profile_(profile) {
@@ -40,6 +59,12 @@ QmiAnswer SarService::handle(const QmiRequest& request) {
     if (profile_.valid)
         body.tlv(kTlvDsi, wire::Writer().u32(profile_.dsi).data());
     return {body.take()};
+}
+
+}  // namespace
+
+LoneService sar_service() {
+    return lone_service<SarService, SarProfile>("sar");
 }
 
 }  // namespace handset

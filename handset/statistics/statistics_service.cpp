@@ -1,11 +1,18 @@
-#include "statistics_service.h"
-
+// The modem's statistics service: its measurements by data id and subscription. Everything that a profile
+// sets is in the form in which it leaves, so an answer may also be one that no good modem gives.
 #include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "core.h"
 #include "profile_section.h"
+#include "qmi_service.h"
 #include "records.h"
+#include "statistics_indication.h"
 #include "statistics_records.h"
 
 namespace handset {
@@ -28,6 +35,23 @@ constexpr size_t kIndicationsMax = 100;
 // With the result and the list's head it still fits into a packet.
 constexpr size_t kListMax = 65000;
 constexpr size_t kEntryHead = 10;
+
+/// The answer to one data id: entries of the answer's list, all alike.
+struct StatisticsValue {
+    uint32_t id = 0;
+    uint16_t sub = 0;
+    uint16_t length = 0;  // as announced
+    wire::Bytes bytes;
+    uint8_t entries = 1;
+};
+
+struct StatisticsProfile {
+    /// A plausible value for every data id that has a record, on both subscriptions.
+    StatisticsProfile();
+
+    std::map<std::pair<uint32_t, uint16_t>, StatisticsValue> values;  // by data id and subscription
+    std::vector<StatisticsIndication> indications;
+};
 
 struct Entry {
     uint16_t sub = 0;
@@ -119,8 +143,6 @@ void read_value(Section& section, uint32_t id, uint16_t sub, StatisticsValue& va
     section.integer<uint8_t>("entries", value.entries, 0, kEntriesMax);
 }
 
-}  // namespace
-
 StatisticsProfile::StatisticsProfile() {
     for (const messages::Record& record : messages::records()) {
         const uint32_t id = record.id;
@@ -146,6 +168,24 @@ void read_profile(Section& section, StatisticsProfile& statistics) {
         read_profile(entry, statistics.indications.emplace_back());
     });
 }
+
+class StatisticsService : public QmiService {
+public:
+    StatisticsService(Core& core, const StatisticsProfile& profile);
+
+    QmiAnswer handle(const QmiRequest& request) override;
+    void connection_opened(ConnectionId connection) override;
+
+private:
+    wire::Bytes set_feature(const QmiRequest& request);
+    wire::Bytes values(const QmiRequest& request);
+    void say(StatisticsOccasion occasion);
+
+    /// values.ID.SUB.FIELD of the profile's records.
+    std::function<void()> read_change(Section& section);
+
+    StatisticsProfile profile_;
+};
 
 StatisticsService::StatisticsService(Core& core, const StatisticsProfile& profile)
     : QmiService(core, messages::kStatistics), profile_(profile) {
@@ -217,6 +257,12 @@ void StatisticsService::connection_opened(ConnectionId connection) {
         if (indication.on == StatisticsOccasion::kConnection)
             indicate(indication.message, indication.body, connection);
     }
+}
+
+}  // namespace
+
+LoneService statistics_service() {
+    return lone_service<StatisticsService, StatisticsProfile>("statistics");
 }
 
 }  // namespace handset
