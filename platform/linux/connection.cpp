@@ -98,9 +98,10 @@ bool Connection::is_own_thread() const {
 
 Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Milliseconds limit,
                                          wire::Bytes& answer) {
-    const auto start = Clock::now();
-    const auto deadline = start + limit;
     std::unique_lock<std::mutex> lock(mutex_);
+    // Only before a burst is it of interest when an exchange started.
+    const auto start = is_burst_ ? std::nullopt : std::optional(Clock::now());
+    auto deadline = start ? Deadline(*start + limit) : Deadline(limit);
     if (has_ended_ || is_closed_)
         return Outcome::kEnded;
     Request request{key, false, {}};
@@ -135,7 +136,7 @@ Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Millis
 }
 
 /// kAnswered: sent.
-Connection::Outcome Connection::send(wire::View packet, Clock::time_point deadline) {
+Connection::Outcome Connection::send(wire::View packet, Deadline& deadline) {
     for (;;) {
         switch (channel_->send(packet)) {
             case Channel::Sent::kDone:
@@ -145,15 +146,14 @@ Connection::Outcome Connection::send(wire::View packet, Clock::time_point deadli
             case Channel::Sent::kRefused:
                 return Outcome::kRefused;
             case Channel::Sent::kNoRoom:
-                if (Clock::now() >= deadline)
+                if (deadline.has_passed())
                     return Outcome::kTimedOut;
                 channel_->wait_for_room(deadline);
         }
     }
 }
 
-void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
-                                 std::unique_lock<std::mutex>& lock) {
+void Connection::wait_for_answer(Request& request, Deadline& deadline, std::unique_lock<std::mutex>& lock) {
     bool is_late = false;
     while (!request.is_answered && !has_ended_ && !is_closed_ && !is_late) {
         if (!reader_)
@@ -164,9 +164,9 @@ void Connection::wait_for_answer(Request& request, Clock::time_point deadline,
             const ssize_t size = receive(deadline);
             lock.lock();
             take(size);
-            is_late = !request.is_answered && Clock::now() >= deadline;
+            is_late = !request.is_answered && deadline.has_passed();
         } else {
-            is_late = changed_.wait_until(lock, deadline) == std::cv_status::timeout;
+            is_late = changed_.wait_until(lock, deadline.at()) == std::cv_status::timeout;
         }
     }
 }
@@ -180,9 +180,10 @@ void Connection::start_reading(const Request& request) {
         set_watched(false);
 }
 
-void Connection::stop_reading(Clock::time_point start) {
+void Connection::stop_reading(std::optional<Clock::time_point> start) {
     reader_ = nullptr;
-    watch_for_burst(start);
+    if (start)
+        watch_for_burst(*start);
     if (!is_burst_)
         set_watched(true);
     changed_.notify_all();
@@ -220,7 +221,7 @@ void Connection::repeat_end() {
 // Whoever reads.
 
 /// One packet into the buffer; returns what Channel::receive() does.
-ssize_t Connection::receive(Clock::time_point deadline) {
+ssize_t Connection::receive(Deadline& deadline) {
     return channel_->receive(buffer_.get(), buffer_size_, deadline);
 }
 
@@ -330,7 +331,8 @@ void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& loc
             return set_watched(true);
         }
     } else if (!reader_) {
-        return take(receive(Clock::now()));
+        Deadline at_once{Milliseconds(0)};
+        return take(receive(at_once));
     }
     // A caller reads, and has for a while; or the channel ended, or was readable just before the caller took
     // it over: it reads on.

@@ -54,7 +54,7 @@ public:
     Outcome exchange(wire::View packet, uint32_t key, Milliseconds limit, wire::Bytes& answer);
 
     /// Sends a packet that has no answer. kAnswered: it is sent. Any thread.
-    Outcome send(wire::View packet, Clock::time_point deadline);
+    Outcome send(wire::View packet, Deadline& deadline);
 
     /// After the peer has gone: waits until on_end has returned, or the connection is closed.
     void wait_for_end();
@@ -81,12 +81,12 @@ private:
     static void* thread_main(void* self);
     void run();
     void sleep_until_something_happens(std::unique_lock<std::mutex>& lock);
-    void wait_for_answer(Request& request, Clock::time_point deadline, std::unique_lock<std::mutex>& lock);
+    void wait_for_answer(Request& request, Deadline& deadline, std::unique_lock<std::mutex>& lock);
     void start_reading(const Request& request);
-    void stop_reading(Clock::time_point start);
+    void stop_reading(std::optional<Clock::time_point> start);
     void set_watched(bool is_watched);
     void watch_for_burst(Clock::time_point start);
-    ssize_t receive(Clock::time_point deadline);
+    ssize_t receive(Deadline& deadline);
     void take(ssize_t size);
     void hand_out(wire::View packet);
     void end();
@@ -112,7 +112,7 @@ private:
     std::condition_variable changed_;
     std::vector<Request*> open_;       // oldest first; each on its caller's stack
     const Request* reader_ = nullptr;  // whose caller reads the channel
-    Clock::time_point started_at_;     // the last exchange whose caller read
+    Clock::time_point started_at_;     // the last exchange whose caller read, outside a burst
     unsigned exchanges_ = 0;           // one soon after the other
     bool is_burst_ = false;            // of exchanges: the connection's thread does not watch the channel
     bool was_read_ = false;            // by a caller, since the thread looked last

@@ -161,9 +161,8 @@ private:
     int send(wire::View payload) {
         wire::Reader reader(payload);
         reader.i32();  // the processor
-        const bool is_sent =
-            connection_.send(reader.rest(), Clock::now() + kAnswerLimit) == Outcome::kAnswered;
-        return is_sent ? kSent : kSendFailed;
+        Deadline deadline(kAnswerLimit);
+        return connection_.send(reader.rest(), deadline) == Outcome::kAnswered ? kSent : kSendFailed;
     }
 
     const std::unique_ptr<trace::Connection> trace_ = trace::Connection::to_diag();

@@ -45,16 +45,16 @@ public:
         }
     }
 
-    void wait_for_room(Clock::time_point deadline) override {
+    void wait_for_room(Deadline& deadline) override {
         pollfd watched{socket_.get(), POLLOUT, 0};
-        poll(&watched, 1, poll_limit(deadline));
+        poll(&watched, 1, poll_limit(deadline.at()));
     }
 
     // The socket keeps its time limit, because it is mostly the same one; a long one would be kept by the
     // second, not by the millisecond.
-    ssize_t receive(uint8_t* room, size_t size, Clock::time_point deadline) override {
+    ssize_t receive(uint8_t* room, size_t size, Deadline& deadline) override {
         constexpr Milliseconds kLongestLimit(1000);
-        const auto left = std::min(left_until(deadline), kLongestLimit);
+        const auto left = std::min(left_until(deadline.at()), kLongestLimit);
         if (left.count() != 0 && left != receive_limit_) {
             const timeval limit = as_timeval(left);
             setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);

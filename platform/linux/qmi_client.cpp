@@ -62,13 +62,13 @@ public:
     qmi_client_error_type send(const qmi_idl_message& request, const void* structure,
                                const qmi_idl_message& response, void* result,
                                std::chrono::milliseconds limit) {
-        const auto body = encode_message(request, structure);
-        if (!body || body->size() > UINT16_MAX)
+        auto packet = encode_message(request, structure, wire::kQmiHeaderSize);
+        if (!packet || packet->size() > wire::kQmiPacketMax)
             return QMI_INTERNAL_ERR;
         const uint16_t transaction = next_transaction();
-        const auto packet = wire::encode({wire::kQmiRequest, transaction, request.message_id, *body});
+        wire::put_head({wire::kQmiRequest, transaction, request.message_id, {}}, *packet);
         wire::Bytes answer;
-        switch (connection_.exchange(packet, request_key(transaction, request.message_id), limit, answer)) {
+        switch (connection_.exchange(*packet, request_key(transaction, request.message_id), limit, answer)) {
             case Outcome::kAnswered:
                 return decode_answer(response, answer, result);
             case Outcome::kEnded:

@@ -94,16 +94,16 @@ public:
         }
     }
 
-    void wait_for_room(Clock::time_point deadline) override {
-        std::this_thread::sleep_until(std::min(Clock::now() + kTryAgain, deadline));
+    void wait_for_room(Deadline& deadline) override {
+        std::this_thread::sleep_until(std::min(Clock::now() + kTryAgain, deadline.at()));
     }
 
-    ssize_t receive(uint8_t* room, size_t size, Clock::time_point deadline) override {
+    ssize_t receive(uint8_t* room, size_t size, Deadline& deadline) override {
         QrtrAddress from;
         ssize_t count = subscriber_.socket().receive(room, size, from);
         if (count < 0 && errno == EAGAIN) {
             pollfd watched[] = {{descriptor(), POLLIN, 0}, {shut_.get(), POLLIN, 0}};
-            poll(watched, 2, poll_limit(deadline));
+            poll(watched, 2, poll_limit(deadline.at()));
             count = subscriber_.socket().receive(room, size, from);
         }
         if (count < 0 && errno == EAGAIN)

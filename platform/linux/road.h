@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,25 @@ Milliseconds left_until(Clock::time_point deadline);
 
 /// poll()'s time-out for what is left until a deadline.
 int poll_limit(Clock::time_point deadline);
+
+/// The end of a wait that begins when it is first asked for: what need not wait reads no clock, which on some
+/// machines costs as much as a system call. Of one thread.
+class Deadline {
+public:
+    explicit Deadline(Milliseconds limit) : limit_(limit) {}
+    explicit Deadline(Clock::time_point at) : at_(at) {}
+
+    Clock::time_point at() {
+        if (!at_)
+            at_ = Clock::now() + limit_;
+        return *at_;
+    }
+    bool has_passed() { return at() <= Clock::now(); }
+
+private:
+    Milliseconds limit_{0};
+    std::optional<Clock::time_point> at_;
+};
 
 /// Packets from and to one service. Any thread may send; one at a time receives.
 class Channel {
@@ -39,12 +59,12 @@ public:
     virtual Sent send(wire::View packet) = 0;
 
     /// Returns when there may be room for a packet, or at the deadline.
-    virtual void wait_for_room(Clock::time_point deadline) = 0;
+    virtual void wait_for_room(Deadline& deadline) = 0;
 
     /// One packet into `room`, cut to `size`, waiting at most until the deadline. Returns its size; 0 when
     /// nothing has come, also before the deadline; a negative number once the service is gone and all that it
     /// had sent is received, and after shut().
-    virtual ssize_t receive(uint8_t* room, size_t size, Clock::time_point deadline) = 0;
+    virtual ssize_t receive(uint8_t* room, size_t size, Deadline& deadline) = 0;
 
     /// Ends the channel and a receive() that waits. Any thread, more than once.
     virtual void shut() = 0;

@@ -216,9 +216,13 @@ const qmi_idl_message* find_message(qmi_idl_service_object_type service, qmi_idl
     return nullptr;
 }
 
-std::optional<wire::Bytes> encode_message(const qmi_idl_message& message, const void* structure) {
+std::optional<wire::Bytes> encode_message(const qmi_idl_message& message, const void* structure,
+                                          size_t room) {
+    constexpr size_t kTlvHead = 3;
     const auto* holder = static_cast<const uint8_t*>(structure);
-    Writer body;
+    // Little takes more room in a TLV than in the structure.
+    Writer body(room + message.element_count * kTlvHead + message.c_struct_len);
+    body.zeros(room);
     for (uint32_t i = 0; i < message.element_count; ++i) {
         const Element& element = message.elements[i];
         if ((element.flags & QMI_IDL_OPTIONAL) && holder[element.valid_offset] == 0)

@@ -58,6 +58,11 @@ Writer& Writer::bytes(View bytes) {
     return *this;
 }
 
+Writer& Writer::zeros(size_t count) {
+    buffer_.resize(buffer_.size() + count);
+    return *this;
+}
+
 Writer& Writer::tlv(uint8_t type, View value) {
     const size_t length = std::min<size_t>(value.size, UINT16_MAX);
     return u8(type).u16(static_cast<uint16_t>(length)).bytes({value.data, length});
@@ -106,12 +111,22 @@ std::optional<View> find_tlv(View body, uint8_t type) {
 Bytes encode(const QmiPacket& packet) {
     const size_t length = std::min<size_t>(packet.body.size, UINT16_MAX);
     Writer writer(kQmiHeaderSize + length);
-    writer.u8(packet.flags)
-        .u16(packet.transaction)
-        .u16(packet.message)
-        .u16(static_cast<uint16_t>(length))
-        .bytes({packet.body.data, length});
-    return writer.take();
+    writer.zeros(kQmiHeaderSize).bytes({packet.body.data, length});
+    Bytes bytes = writer.take();
+    put_head(packet, bytes);
+    return bytes;
+}
+
+void put_head(const QmiPacket& head, Bytes& packet) {
+    const size_t length = packet.size() - kQmiHeaderSize;
+    const uint8_t bytes[kQmiHeaderSize] = {head.flags,
+                                           static_cast<uint8_t>(head.transaction),
+                                           static_cast<uint8_t>(head.transaction >> 8),
+                                           static_cast<uint8_t>(head.message),
+                                           static_cast<uint8_t>(head.message >> 8),
+                                           static_cast<uint8_t>(length),
+                                           static_cast<uint8_t>(length >> 8)};
+    std::copy_n(bytes, sizeof bytes, packet.begin());
 }
 
 std::optional<QmiPacket> decode_qmi(View bytes) {

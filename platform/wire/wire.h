@@ -73,6 +73,7 @@ public:
     /// The low `width` bytes of a number, 1 to 8.
     Writer& number(uint64_t value, size_t width);
     Writer& bytes(View bytes);
+    Writer& zeros(size_t count);
 
     /// One TLV. The value may have at most 65,535 bytes; a longer one is cut.
     Writer& tlv(uint8_t type, View value);
@@ -133,6 +134,10 @@ constexpr size_t kQmiPacketMax = kQmiHeaderSize + 65535;
 
 /// A body of more than 65,535 bytes is cut.
 Bytes encode(const QmiPacket& packet);
+
+/// Writes the header over the first kQmiHeaderSize bytes of a packet, whose body stands behind them already
+/// and is not looked for in `head`. The packet has at most kQmiPacketMax bytes.
+void put_head(const QmiPacket& head, Bytes& packet);
 
 /// The body is a part of `packet`. Nothing when the header is cut short or its length is not that of the
 /// body.
