@@ -139,10 +139,6 @@ TEST_F(ModemApi, RefusedClients) {
 // Answers every decode with `message`.
 template <typename Message>
 void indicate(unsigned msg_id, const Message& message) {
-    platform().c_struct_len = [](qmi_idl_type_of_message_type, uint16_t, uint32_t* len) {
-        *len = sizeof(Message);
-        return 0;
-    };
     platform().decode = [&](qmi_idl_type_of_message_type, unsigned, const void*, unsigned, void* dst,
                             unsigned dst_len) {
         EXPECT_EQ(dst_len, sizeof message);
@@ -253,6 +249,7 @@ TEST_F(ModemApi, ReportWithLyingCountsIsClamped) {
 
 TEST_F(ModemApi, IndicationsThatAreDropped) {
     ASSERT_EQ(init_vs(), 0);
+    platform().unlisted_len = sizeof(vs_state_ind_msg_v01);
     indicate(0x205, vs_state_ind_msg_v01{1});
     EXPECT_THAT(log(), Contains("6 KOLVO vs_client_ind_hdlr: Unknown indication msg 205"));
     fail_malloc(1);

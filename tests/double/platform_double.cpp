@@ -157,6 +157,18 @@ int qmi_client_message_decode(qmi_client_type, qmi_idl_type_of_message_type type
     return call(platform().decode, 0, type, msg_id, src, src_len, dst, dst_len);
 }
 
+int32_t __real_qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type service,
+                                                qmi_idl_type_of_message_type type, uint16_t message,
+                                                uint32_t* len);
+
+int32_t __wrap_qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type service,
+                                                qmi_idl_type_of_message_type type, uint16_t message,
+                                                uint32_t* len) {
+    if (__real_qmi_idl_get_message_c_struct_len(service, type, message, len) != 0)
+        *len = platform().unlisted_len;
+    return 0;
+}
+
 int qmi_client_release(qmi_client_type client) {
     ++platform().releases;
     return call(platform().release, 0, client);

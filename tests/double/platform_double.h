@@ -34,7 +34,7 @@ struct PlatformDouble {
                       void* dst, unsigned dst_len)>
         decode;  // the destination is zeroed before
     std::function<int(qmi_client_type client)> release;
-    std::function<int32_t(qmi_idl_type_of_message_type type, uint16_t message, uint32_t* len)> c_struct_len;
+    uint32_t unlisted_len = 0;  // of a message that no service's table has
 
     std::vector<QmiRequest> requests;        // every qmi_client_send_msg_sync, in order
     qmi_client_ind_cb ind_cb = nullptr;      // of the last client made
