@@ -3,9 +3,6 @@
 // diag packet; with bit 7 it is the packet as it stands. What comes back is held against the client library's
 // tables. The log is lines of printable text, and no file may appear outside the handset's folder.
 #include <fcntl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <iterator>
@@ -16,11 +13,11 @@
 #include "ground.h"
 #include "handset.h"
 #include "input.h"
+#include "packet_end.h"
 #include "profile.h"
 #include "qmi_codec.h"
 #include "subjects.h"
 #include "tables.h"
-#include "wire.h"
 
 namespace {
 
@@ -29,50 +26,12 @@ struct Place {
     qmi_idl_service_object_type service;  // null: the tables are not known here
 };
 
-// One client's connection, made anew when the modem has closed it.
-class Line {
-public:
-    Line() = default;
-    ~Line() { hang_up(); }
-    Line(const Line&) = delete;
-    Line& operator=(const Line&) = delete;
-
-    void send(const std::string& path, const wire::Bytes& packet) {
-        if (fd_ < 0)
-            call(path);
-        if (::send(fd_, packet.data(), packet.size(), MSG_NOSIGNAL) < 0)
-            hang_up();
-    }
-
-    /// Nothing when no packet is there.
-    std::optional<wire::Bytes> receive() {
-        wire::Bytes packet(wire::kQmiPacketMax);
-        const ssize_t size = recv(fd_, packet.data(), packet.size(), 0);
-        if (size == 0)
-            hang_up();
-        if (size <= 0)
-            return std::nullopt;
-        packet.resize(static_cast<size_t>(size));
-        return packet;
-    }
-
-private:
-    void call(const std::string& path) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        fd_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-        if (connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-            hang_up();
-    }
-    void hang_up() {
-        if (fd_ >= 0)
-            close(fd_);
-        fd_ = -1;
-    }
-
-    int fd_ = -1;
-};
+// Nothing here may wait for the handset, which is run in between.
+host::UniqueFd call(const std::string& path) {
+    auto fd = packet_socket(path, connect);
+    fcntl(fd.get(), F_SETFL, O_NONBLOCK);
+    return fd;
+}
 
 void check_qmi(const wire::Bytes& bytes, const Place& place) {
     const auto packet = wire::decode_qmi(bytes);
@@ -114,17 +73,23 @@ void play(handset::EventLoop& loop, Input& input, const std::string& folder) {
                             {"qmi/11", seam::uim_table()},
                             {"qmi/65509", seam::statistics_table()},
                             {"qmi/17", seam::sar_table()}};
-    Line lines[std::size(places)];
+    std::optional<PacketEnd> clients[std::size(places)];  // made anew when the modem has closed them
     for (int i = 0; i < kPacketsMax && !input.empty(); ++i) {
         const uint8_t port = input.u8();
         const size_t choice = (port & 0x7f) % std::size(places);
         const Place& place = places[choice];
-        lines[choice].send(folder + "/" + place.socket, packet_of(port, choice != 0, input));
+        auto& client = clients[choice];
+        if (!client)
+            client.emplace(call(folder + "/" + place.socket));
+        client->send(packet_of(port, choice != 0, input));
         turn(loop);
-        while (const auto packet = lines[choice].receive()) {
+        auto packet = client->receive(0);
+        for (; packet && !packet->empty(); packet = client->receive(0)) {
             if (choice != 0)
                 check_qmi(*packet, place);
         }
+        if (packet || !client->connected())
+            client.reset();
     }
 }
 

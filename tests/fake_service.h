@@ -2,20 +2,12 @@
 // folder, and a listener in it that plays what the test says.
 #pragma once
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include "packet_end.h"
 #include "test_folder.h"
-#include "unique_fd.h"
-#include "wire.h"
 
 /// An empty folder, named by VXK_HANDSET_DIR while this lives.
 class HandsetFolder : public TestFolder {
@@ -24,42 +16,24 @@ public:
     ~HandsetFolder() { unsetenv("VXK_HANDSET_DIR"); }
 };
 
-/// The far end of a connection. Every wait gives up after five seconds.
-class Peer {
+/// The far end of a connection.
+class Peer : public PacketEnd {
 public:
-    explicit Peer(host::UniqueFd fd) : fd_(std::move(fd)) {}
-    virtual ~Peer() = default;
+    using PacketEnd::PacketEnd;
 
     /// The next packet; empty when the other side has gone.
-    wire::Bytes receive() {
-        wire::Bytes packet(wire::kQmiPacketMax);
-        pollfd watched{fd_.get(), POLLIN, 0};
-        EXPECT_EQ(poll(&watched, 1, 5000), 1) << "nothing arrived";
-        const ssize_t size = recv(fd_.get(), packet.data(), packet.size(), MSG_DONTWAIT);
-        packet.resize(size > 0 ? static_cast<size_t>(size) : 0);
-        return packet;
+    wire::Bytes receive() const {
+        const auto packet = PacketEnd::receive();
+        EXPECT_TRUE(packet) << "nothing arrived";
+        return packet.value_or(wire::Bytes());
     }
-    /// The other side may have gone in the meantime.
-    virtual void send(const wire::Bytes& packet) {
-        if (::send(fd_.get(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0) {
-            EXPECT_TRUE(errno == EPIPE || errno == ECONNRESET) << strerror(errno);
-        }
-    }
-    virtual void close() { fd_ = host::UniqueFd(); }
-
-private:
-    host::UniqueFd fd_;
 };
 
 class Listener {
 public:
-    explicit Listener(const std::string& path, int backlog = 16)
-        : path_(path), fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
+    explicit Listener(const std::string& path, int backlog = 16) : path_(path) {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(bind(fd_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        fd_ = packet_socket(path, bind);
         EXPECT_EQ(listen(fd_.get(), backlog), 0);
     }
     ~Listener() { unlink(path_.c_str()); }

@@ -1,9 +1,6 @@
 // A handset of a test's own, in a process of its own, and clients that speak bytes to it.
 #pragma once
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,9 +13,9 @@
 
 #include "error.h"
 #include "hex_text.h"
+#include "packet_end.h"
 #include "session.h"
 #include "test_folder.h"
-#include "wire.h"
 
 namespace handset_test {
 
@@ -89,40 +86,10 @@ private:
 };
 
 /// One connection to a socket of the handset.
-class Client {
+class Client : public PacketEnd {
 public:
-    Client(const std::string& dir, const std::string& socket_name) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        (dir + "/" + socket_name).copy(address.sun_path, sizeof address.sun_path - 1);
-        fd_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-        connected_ = connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    }
-    ~Client() { close(fd_); }
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-
-    bool connected() const { return connected_; }
-
-    void send(const wire::Bytes& packet) const {
-        EXPECT_EQ(::send(fd_, packet.data(), packet.size(), MSG_NOSIGNAL),
-                  static_cast<ssize_t>(packet.size()));
-    }
-
-    /// The next packet; nothing when none comes in time, an empty one when the connection is closed.
-    std::optional<wire::Bytes> receive(int timeout_ms = 5000) const {
-        pollfd waiting{fd_, POLLIN, 0};
-        if (poll(&waiting, 1, timeout_ms) != 1)
-            return std::nullopt;
-        wire::Bytes packet(wire::kQmiPacketMax);
-        const ssize_t size = recv(fd_, packet.data(), packet.size(), 0);
-        packet.resize(size > 0 ? static_cast<size_t>(size) : 0);
-        return packet;
-    }
-
-private:
-    int fd_ = -1;
-    bool connected_ = false;
+    Client(const std::string& dir, const std::string& socket_name)
+        : PacketEnd(packet_socket(dir + "/" + socket_name, connect)) {}
 };
 
 /// Names and the texts that stand for `$name` in a script; a name may stand in the texts of those before it.

@@ -103,7 +103,7 @@ public:
           seat_(seat),
           service_(service),
           address_(service.address()) {}
-    void send(const Bytes& packet) override { seat_.send(address_, packet); }
+    void send(const Bytes& packet) const override { seat_.send(address_, packet); }
     void close() override { service_.come_back(); }
 
 private:
