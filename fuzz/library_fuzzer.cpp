@@ -15,6 +15,7 @@
 #include "modem_api_slots.h"
 #include "platform_double.h"
 #include "qcril_memory_management.h"
+#include "tables.h"
 
 namespace {
 
@@ -125,8 +126,7 @@ void set_feature(Input&, uint8_t) {
 }
 
 void indication(Input& input, uint8_t) {
-    indicate(input, vs_get_service_object_internal_v01(VS_V01_IDL_MAJOR_VERS, VS_V01_IDL_MINOR_VERS,
-                                                       VS_V01_IDL_TOOL_VERS));
+    indicate(input, seam::statistics_table());
 }
 
 // Frees the response, of which nobody may have kept less than it says.

@@ -181,23 +181,23 @@ int decode(qmi_idl_type_of_message_type type, unsigned message, const void* src,
 
 // Diag
 
-void respond_by_callback(unsigned processor, std::vector<uint8_t> bytes) {
-    auto cb = platform().diag_cb;
-    void* context = platform().diag_context;
-    const auto& remotes = platform().remote_cbs;
-    if (processor != 0 && processor <= remotes.size()) {
-        cb = remotes[processor - 1].cb;
-        context = remotes[processor - 1].context;
-    }
-    bytes.reserve(1);  // an empty response has an address too
-    if (cb != nullptr)
-        cb(bytes.data(), static_cast<int>(bytes.size()), context);
+/// To who listens, by what the road tells beside the bytes. An empty response has an address, too.
+template <typename Listener, typename... Rest>
+void tell(Listener* listener, std::vector<uint8_t> bytes, Rest... rest) {
+    bytes.reserve(1);
+    if (listener != nullptr)
+        listener(bytes.data(), static_cast<int>(bytes.size()), rest...);
 }
 
-void respond_by_dci(std::vector<uint8_t> bytes) {
-    bytes.reserve(1);
-    if (platform().dci_cb != nullptr)
-        platform().dci_cb(bytes.data(), static_cast<int>(bytes.size()), platform().dci_data);
+void respond_by_callback(unsigned processor, const std::vector<uint8_t>& bytes) {
+    const auto& remotes = platform().remote_cbs;
+    if (processor == 0 || processor > remotes.size())
+        return tell(platform().diag_cb, bytes, platform().diag_context);
+    tell(remotes[processor - 1].cb, bytes, remotes[processor - 1].context);
+}
+
+void respond_by_dci(const std::vector<uint8_t>& bytes) {
+    tell(platform().dci_cb, bytes, platform().dci_data);
 }
 
 void respond_with_full_pieces(const Record& record) {
@@ -208,14 +208,6 @@ void respond_with_full_pieces(const Record& record) {
         ++g_modem.full_pieces;
         respond_by_dci(piece);
     }
-}
-
-void stream(const Record& record) {
-    const auto listener = record.number == 0 ? platform().dci_logs : platform().dci_events;
-    std::vector<uint8_t> bytes = record.bytes;
-    bytes.reserve(1);
-    if (listener != nullptr)
-        listener(bytes.data(), static_cast<int>(bytes.size()));
 }
 
 // The answer that ends every wait. It may meet the allocation that fails.
@@ -239,7 +231,7 @@ void deliver_events() {
                 respond_with_full_pieces(*record);
                 break;
             case kStream:
-                stream(*record);
+                tell(record->number == 0 ? platform().dci_logs : platform().dci_events, record->bytes);
                 break;
             default:
                 return;
@@ -247,14 +239,16 @@ void deliver_events() {
     }
 }
 
-void look_for_events() {
+/// Returns what the calls return that give the occasion.
+int look_for_events(int result = 0) {
     const std::lock_guard<std::mutex> lock(g_modem.mutex);
     if (!g_modem.diag_open)
-        return;
+        return result;
     deliver_events();
     // Without a thread nothing would end the wait.
     if (++g_modem.looks >= kPatience || platform().fail_thread_creation != 0)
         respond_at_last();
+    return result;
 }
 
 bool open_diag(bool open) {
@@ -268,22 +262,10 @@ void hook_diag() {
     PlatformDouble& hooks = platform();
     hooks.lsm_init = [] { return open_diag(true); };
     hooks.lsm_deinit = [] { return open_diag(false); };
-    hooks.diag_send = [](int, const std::vector<uint8_t>&) {
-        look_for_events();
-        return 0;
-    };
-    hooks.dci_send = [](int, const std::vector<uint8_t>&) {
-        look_for_events();
-        return DIAG_DCI_NO_ERROR;
-    };
-    hooks.usleep = [](unsigned) {
-        look_for_events();
-        return 0;
-    };
-    hooks.sleep = [](unsigned) {
-        look_for_events();
-        return 0U;
-    };
+    hooks.diag_send = [](int, const std::vector<uint8_t>&) { return look_for_events(); };
+    hooks.dci_send = [](int, const std::vector<uint8_t>&) { return look_for_events(DIAG_DCI_NO_ERROR); };
+    hooks.usleep = [](unsigned) { return look_for_events(); };
+    hooks.sleep = [](unsigned) { return look_for_events(); };
 }
 
 // Process-wide words of the tool, as a process starts with them.
