@@ -20,8 +20,7 @@ class Command:
     spares: tuple[str, ...] = ()
     aborts: tuple[str, ...] = ()
     goes_on: tuple[str, ...] = ()
-    files: dict[str, bytes] = field(default_factory=dict)  # in the handset's folder
-    properties: dict[str, str] = field(default_factory=dict)
+    files: dict[str, bytes] = field(default_factory=dict)  # in the handset's folder, properties among them
     profile: dict[str, Any] = field(default_factory=dict)
     hits: int = 1  # how many exchanges in a row a fault spoils; 0: all
     seconds: float = 0  # that the command sleeps on its own account
@@ -66,8 +65,8 @@ CHANNEL_WAITS = ("start:away",)  # a client of the extension service waits until
 # Only the channel's result is looked at.
 CHANNEL_ONLY = (*CHANNEL_WAITS, "*:modem", "*:bare", "*:lie")
 
-NO_WAIT = {"persist.radio.ssr_wait_s": "0"}
-LEVEL = "persist.vendor.ssr.restart_level"
+NO_WAIT = {"properties/persist.radio.ssr_wait_s": b"0"}
+LEVEL = "properties/persist.vendor.ssr.restart_level"
 PRINT_FLAG = "efs/0/nv/item_files/modem/kelvra/qmi_print_flag"
 
 
@@ -88,12 +87,12 @@ def file_read(words: str, files: dict[str, bytes]) -> Command:
 
 def print_switch(words: str, files: dict[str, bytes] | None = None) -> Command:
     """Sync and restart follow the file, whatever becomes of them."""
-    return Command(words, (*CHANNEL_WAITS, "common *:*", "*:lie"), files=files or {}, properties=NO_WAIT)
+    return Command(words, (*CHANNEL_WAITS, "common *:*", "*:lie"), files={**NO_WAIT, **(files or {})})
 
 
-def restart(words: str, properties: dict[str, str]) -> Command:
+def restart(words: str, files: dict[str, bytes]) -> Command:
     """Goes on, whatever becomes of the request."""
-    return Command(words, CHANNEL_ONLY, properties=properties)
+    return Command(words, CHANNEL_ONLY, files=files)
 
 
 def measurement(words: str) -> Command:
@@ -158,10 +157,10 @@ COMMANDS = (
     Command("7 1 0", CHANNEL_WAITS),
     Command("7 1 1", CHANNEL_WAITS),
     *(measurement(f"9 {opt} 0") for opt in (*range(13), 20, 21, 30)),
-    restart("11 0", {**NO_WAIT, LEVEL: "ALL_DISABLE"}),
-    restart("11 0", {LEVEL: "ALL_ENABLE"}),
-    restart("11 1", {**NO_WAIT, LEVEL: "ALL_ENABLE"}),
-    restart("11 1", {LEVEL: "ALL_DISABLE"}),
+    restart("11 0", {**NO_WAIT, LEVEL: b"ALL_DISABLE"}),
+    restart("11 0", {LEVEL: b"ALL_ENABLE"}),
+    restart("11 1", {**NO_WAIT, LEVEL: b"ALL_ENABLE"}),
+    restart("11 1", {LEVEL: b"ALL_DISABLE"}),
     restart("11 2", {}),
     print_switch("11 4 1"),
     print_switch("11 5 0", {PRINT_FLAG: b"\1"}),

@@ -35,14 +35,14 @@ from fault_commands import COMMANDS, LIES, Command
 
 TIME_OUTS = {"extension": 3, "uim": 3, "statistics": 30, "sar": 30, "diag": 5}
 
-# What a machine may take on top of what the protocol allows; more of it where the programs are slowed down.
-SLACK = 15 * float(os.environ.get("VXK_TEST_SLOWNESS", "1"))
+SLOWNESS = float(os.environ.get("VXK_TEST_SLOWNESS", "1"))  # of the programs, by what watches them
+SLACK = 15 * SLOWNESS  # what a machine may take on top of what the protocol allows
 
 # Cases at a time that sleep out a time-out.
 SLEEPERS = 64
 
-# What a person at a terminal is told when the modem is away.
 NEVER_MET = "vxk-handset: a fault was never met: "
+# What a person at a terminal is told when the modem is away.
 WAITING = ("vxk: waiting for ", "vxk: no QMI service ", "vxk: no diag interface: ")
 
 # What the handset keeps for itself: not a file of the modem, not a property.
@@ -96,11 +96,6 @@ class Run:
     log: list[dict[str, Any]]  # of the modem, a line an object
     seconds: float
 
-    @property
-    def spoilt(self) -> bool:
-        """Whether the modem has met its fault."""
-        return any(line["fault"] for line in self.log)
-
 
 @dataclass(frozen=True)
 class Case:
@@ -130,10 +125,6 @@ class Case:
         if not self.entry or self.fault.name not in ("no answer", "too late"):
             return 0
         return TIME_OUTS[self.entry.get("service", "diag")]
-
-
-def hex_bytes(data: bytes) -> str:
-    return data.hex(" ").upper()
 
 
 def tlv(kind: int, value: bytes) -> bytes:
@@ -169,11 +160,11 @@ def cut(keep: int, effect: str) -> Fault:
 
 
 def lie(name: str, effect: str, tlvs: bytes) -> Fault:
-    return Fault(name, effect, {"action": "tlvs", "bytes": hex_bytes(tlvs), "acts": True})
+    return Fault(name, effect, {"action": "tlvs", "bytes": tlvs.hex(" "), "acts": True})
 
 
 def payload_lie(name: str, effect: str, payload: bytes) -> Fault:
-    return Fault(name, effect, {"action": "payload", "bytes": hex_bytes(payload), "acts": True})
+    return Fault(name, effect, {"action": "payload", "bytes": payload.hex(" "), "acts": True})
 
 
 def extension_faults(exchange: Exchange) -> Iterator[Fault]:
@@ -231,12 +222,8 @@ def diag_faults(exchange: Exchange) -> Iterator[Fault]:
 
 def faults_of(exchange: Exchange) -> Iterator[Fault]:
     yield from common_faults(exchange)
-    if exchange.service == "diag":
-        yield from diag_faults(exchange)
-    elif exchange.service == "extension":
-        yield from extension_faults(exchange)
-    else:
-        yield from standard_faults(exchange)
+    special = {"diag": diag_faults, "extension": extension_faults}.get(exchange.service, standard_faults)
+    yield from special(exchange)
 
 
 # ---- one run
@@ -244,11 +231,6 @@ def faults_of(exchange: Exchange) -> Iterator[Fault]:
 
 def program(name: str) -> str:
     return str(Path(os.environ.get("VXK_PROGRAMS", "build/bin")).absolute() / name)
-
-
-def write_file(path: Path, content: bytes) -> None:
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(content)
 
 
 def state_of(folder: Path) -> dict[str, bytes]:
@@ -268,14 +250,14 @@ def run(
     replayed: Iterable[str] = (),
 ) -> Run:
     """Runs the command on a handset of its own. It is killed, and the handset with it, when the limit is reached. With
-    `replayed`, the options of a replay, there is nothing in the handset but what the trace has."""
+    `replayed`, the options of a replay, there is nothing in the modem but what the trace has."""
     with tempfile.TemporaryDirectory(prefix="vxk-") as name:
         folder = Path(name) / "h"
         folder.mkdir(mode=0o700)
-        for path, content in command.files.items() if not replayed else ():
-            write_file(folder / path, content)
-        for key, value in command.properties.items():
-            write_file(folder / "properties" / key, value.encode())
+        for path, content in command.files.items():
+            if not replayed or path.startswith("properties/"):
+                (folder / path).parent.mkdir(parents=True, exist_ok=True)
+                (folder / path).write_bytes(content)
         profile = {**command.profile, "faults": faults} if not replayed else {}
         if during_restart:
             profile["modem"] = {"restart_ms": 1500}
@@ -343,11 +325,6 @@ def exchanges_of(lines: list[dict[str, Any]]) -> list[Exchange]:
 # ---- the matrix
 
 
-def fault_entry(command: Command, exchange: Exchange, fault: Fault) -> dict[str, Any]:
-    road = {"road": "diag"} if exchange.service == "diag" else {"service": exchange.service}
-    return {**road, "skip": exchange.number, "hits": command.hits, **fault.action}
-
-
 ANY = "any"
 
 
@@ -359,8 +336,10 @@ def cases_of(command: Command, healthy: Run) -> Iterator[Case]:
     for exchange in exchanges:
         seen[exchange.label] += 1
         row = exchange.label if seen[exchange.label] == 1 else f"{exchange.label} #{seen[exchange.label]}"
+        road = {"road": "diag"} if exchange.service == "diag" else {"service": exchange.service}
         for fault in faults_of(exchange):
-            yield Case(command, healthy, row, fault, limit, fault_entry(command, exchange, fault))
+            entry = {**road, "skip": exchange.number, "hits": command.hits, **fault.action}
+            yield Case(command, healthy, row, fault, limit, entry)
     yield Case(command, healthy, "start", RESTART, limit + 10)
 
 
@@ -391,21 +370,15 @@ def complaint_of_status(status: int | None, expected: str, result: Run) -> str |
 def complaint_of_output(words: str, expected: str, goes_on: bool, output: str) -> str | None:
     row = verdict_row(words)
     succeeds, fails = prints(row["success"], output), prints(row["failure"], output)
-    if expected == "success" and row["success"] and not succeeds:
-        return "no success line"
-    if expected == "success" and fails:
-        return "a failure line"
-    if expected == "failure" and not fails:
-        return "no failure line"
-    if expected == "failure" and succeeds and not goes_on:
-        return "a success line with the failure"
-    return None
+    if fails != (expected == "failure"):
+        return "a failure line" if fails else "no failure line"
+    if expected == "success":
+        return "no success line" if row["success"] and not succeeds else None
+    return "a success line with the failure" if succeeds and not goes_on else None
 
 
 def complaint_of_state(case: Case, state: dict[str, bytes]) -> str | None:
-    before = {**case.command.files}
-    before.update({f"properties/{key}": value.encode() for key, value in case.command.properties.items()})
-    after = case.healthy.state
+    before, after = case.command.files, case.healthy.state
     for path in sorted({*before, *after, *state}):
         if state.get(path) == after.get(path):
             continue
@@ -423,7 +396,8 @@ def check(case: Case) -> tuple[str | None, Run]:
     if complaint is None:
         complaint = complaint_of_state(case, result.state)
     # An answer that is too late for the command is too late for the log.
-    happened = result.seconds >= case.waits if case.fault.name == "too late" else result.spoilt
+    struck = any(line["fault"] for line in result.log)
+    happened = result.seconds >= case.waits if case.fault.name == "too late" else struck
     if complaint is None and case.entry and case.row != ANY and not happened:
         complaint = "the fault did not happen"
     return complaint, result

@@ -23,14 +23,11 @@ import time
 from pathlib import Path
 
 from fault_commands import COMMANDS
+from fault_matrix import SLOWNESS, WAITING, program, tlv, word
 
-SLOWNESS = float(os.environ.get("VXK_TEST_SLOWNESS", "1"))
-PROGRAMS = Path(os.environ.get("VXK_PROGRAMS", "build/bin")).absolute()
 # What an allocator may keep of a busy time. Sanitizers keep freed memory on purpose.
 MEMORY_GROWTH = 2 * 1024 * 1024
 PROPERTIES = {"persist.radio.ssr_wait_s": "0", "persist.vendor.ssr.restart_level": "ALL_ENABLE"}
-# What a person at a terminal is told when the modem is away.
-AWAY = ("vxk: waiting for ", "vxk: no QMI service ", "vxk: no diag interface: ")
 DONE = re.compile(r"^RIL\[\S+ result = 0, rsp\.result(\[\S+ is instance id\])? = 0$", re.MULTILINE)
 DATA = re.compile(r"^data len\((\d+)\)\ndata: ?(.*)$", re.MULTILINE)
 REFUSED = "kelvra_extend_qmi_send_sync fail, REQUEST_ID_EFS"
@@ -60,7 +57,7 @@ class Handset:
         for name, value in PROPERTIES.items():
             (self.folder / "properties" / name).write_text(value)
         (place / "profile").write_text(json.dumps({"modem": {"restart_ms": 100}}))
-        boot = [str(PROGRAMS / "vxk-handset"), "serve", "--dir", str(self.folder), "--profile", str(place / "profile")]
+        boot = [program("vxk-handset"), "serve", "--dir", str(self.folder), "--profile", str(place / "profile")]
         self.process = subprocess.Popen(boot, stdout=subprocess.PIPE, env=self.environment, text=True)
         if not self.process.stdout.readline().startswith("vxk-handset: ready"):
             raise Failed("the handset does not start")
@@ -80,8 +77,7 @@ class Handset:
         path = b"/large"
         (self.folder / "efs/0/large").write_bytes(bytes(100_000))
         payload = struct.pack("<BBHB71s12x", 4, 0, 0, len(path), path).ljust(512, b"\0")
-        tlvs = ((1, struct.pack("<I", 2)), (2, struct.pack("<I", len(payload))), (0x10, payload))
-        body = b"".join(struct.pack("<BH", kind, len(value)) + value for kind, value in tlvs)
+        body = tlv(1, word(2)) + tlv(2, word(len(payload))) + tlv(0x10, payload)
         for _ in range(50):
             with socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET) as client:
                 client.connect(str(self.folder / "qmi/65508"))
@@ -109,11 +105,11 @@ class Handset:
         line = "vxk " + " ".join(words)
         try:
             done = subprocess.run(
-                [str(PROGRAMS / "vxk"), *words], capture_output=True, timeout=30 * SLOWNESS, env=self.environment
+                [program("vxk"), *words], capture_output=True, timeout=30 * SLOWNESS, env=self.environment
             )
         except subprocess.TimeoutExpired:
             raise Failed(f"{line}: does not end") from None
-        errors = [text for text in done.stderr.decode().splitlines() if not text.startswith(AWAY)]
+        errors = [text for text in done.stderr.decode().splitlines() if not text.startswith(WAITING)]
         output = done.stdout.decode(errors="replace")
         if done.returncode != 0 or errors:
             raise Failed(f"{line}: status {done.returncode}, {errors}\n{output}")
