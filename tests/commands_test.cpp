@@ -93,7 +93,7 @@ TEST_F(Commands, RestartAndDumpStopAtANegativeWait) {
 
 TEST_F(Commands, AtGivesTheShellWhatWasTyped) {
     const std::string longest = "AT$X`%n\"" + std::string(92, 'A');
-    printed_by([&] { EXPECT_EQ(run_words(kelvra_test_at_cmd_do, {"8", longest}), 0); });
+    printed_by([&] { EXPECT_EQ(run_line(kelvra_test_at_cmd_do, "8 " + longest), 0); });
     EXPECT_THAT(platform().commands, ElementsAre("echo \"" + longest + "\\r\" > /dev/smd8"));
 }
 

@@ -20,19 +20,15 @@ std::string PlatformTest::printed_by(const std::function<void()>& action) {
     return testing::internal::GetCapturedStdout();
 }
 
-int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words) {
-    words.insert(words.begin(), "vxk");
+int run_line(int (*group)(int argc, char** argv), const std::string& line) {
+    std::istringstream stream("vxk " + line);
+    std::vector<std::string> words(std::istream_iterator<std::string>(stream), {});
     std::vector<char*> argv;
     argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
     return group(static_cast<int>(words.size()), argv.data());
-}
-
-int run_line(int (*group)(int argc, char** argv), const std::string& line) {
-    std::istringstream words(line);
-    return run_words(group, {std::istream_iterator<std::string>(words), {}});
 }
 
 std::string mask_lines(const std::string& text) {

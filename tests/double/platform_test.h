@@ -19,9 +19,7 @@ protected:
     static std::string printed_by(const std::function<void()>& action);
 };
 
-/// Runs a command group on the command line "vxk" and the words, or the words of a line parted by blanks.
-/// Returns its result.
-int run_words(int (*group)(int argc, char** argv), std::vector<std::string> words);
+/// Runs a command group on the command line "vxk" and the words of a line. Returns its result.
 int run_line(int (*group)(int argc, char** argv), const std::string& line);
 
 /// Text with the numbers of "RIL[function:line]" replaced by '#'.
