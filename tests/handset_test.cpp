@@ -260,16 +260,6 @@ TEST_F(HandsetTest, AnswersWaitInOrderForAClientThatReadsLate) {
     }
 }
 
-TEST_F(HandsetTest, TakesFiftyGpioValues) {
-    const RunningHandset handset(place_);
-    for (const uint32_t count : {50U, 51U}) {
-        wire::Writer values;
-        values.u32(0).u32(0).u32(count).bytes(Bytes(size_t{4} * count, 1));
-        const Bytes answer = ExtensionClient(handset).request(4, values.data()).value_or(Bytes());
-        EXPECT_EQ(wire::Reader({answer.data() + 4, 4}).i32(), count == 50 ? 0 : -22);
-    }
-}
-
 TEST_F(HandsetTest, AConnectionWaitsForADescriptor) {
     setenv("VXK_AT_DEVICE", place_.at("smd8").c_str(), 1);
     handset::EventLoop loop;

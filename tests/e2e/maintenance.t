@@ -8,7 +8,7 @@ it and succeeds.
 
   $ boot '{"modem": {"restart_ms": 2000}}'
   $ set_property persist.radio.ssr_wait_s 0
-  $ vxk 11 0
+  $ past_channel 11 0
   RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: ALL_DISABLE
   
   RIL[kelvra_smart_test_modem_ssr:#]: need to open ssr
@@ -20,11 +20,6 @@ it and succeeds.
   RIL[kelvra_send_common_qmi_msg:#]: function entry ------------->
   RIL[kelvra_send_common_qmi_msg:#]: t 31
   RIL[kelvra_send_common_qmi_msg:#]: l 4
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:16
-  kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_send_common_qmi_msg:#]: function exit <-------------
   RIL[kelvra_smart_test_ssr_wait_s:#]: ssr wait_s = 0
   
@@ -85,10 +80,9 @@ change. The handset reboots each time.
   $ vxk 11 1 | grep full_dump
   RIL[kelvra_smart_test_full_dump:#]: Will trigger Full Dump, the current state: ALL_DISABLE, the default state: ALL_ENABLE
   $ restarted 2
-  $ asked
+  $ asked | uniq
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" offset=0 data=[04 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 (+463 zero)]
   id=2 data_len=512 command="efs_write" sub=0 path="/nv/item_files/modem/kelvra/ssr_update_count" total=4 offset=0 chunk=4 data=[05 00 00 00 2C 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 73 73 72 5F 75 70 64 61 74 65 5F 63 6F 75 6E 74 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 01 (+423 zero)]
-  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
   id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 20 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 20 (+494 zero)]
   $ property $level; property ${level}_bak; efs 0/nv/item_files/modem/kelvra/ssr_update_count
   ALL_DISABLE
@@ -134,23 +128,12 @@ Print switches: on, off, and off once more, which finds no file.
   (no file)
   $ answer 11 4 0 | folded
   bp_kolvo_print, opt = 0 | kelvra_efs_delete failed
-  $ asked
-  id=2 data_len=512 command="efs_write" sub=0 path="/kolvo/kolvo_print_mask" total=4 offset=0 chunk=4 data=[05 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 1F (+423 zero)]
-  id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
-  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
-  id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
-  id=4 data_len=512 form="tlv" code=35 command="nv_sync" value=[] data=[02 00 00 00 00 00 00 00 23 (+503 zero)]
-  id=4 data_len=512 form="tlv" code=31 command="reset" value=[00 10 00 00] data=[02 00 00 00 00 00 00 00 1F 00 00 00 04 00 00 00 00 10 (+494 zero)]
-  id=2 data_len=512 command="efs_delete" sub=0 path="/kolvo/kolvo_print_mask" data=[06 00 00 00 17 2F 6B 6F 6C 76 6F 2F 6B 6F 6C 76 6F 5F 70 72 69 6E 74 5F 6D 61 73 6B (+484 zero)]
   $ answer 11 5 1 | folded
   bp_qmi_print, opt = 1 |  |  | success, pls wait 10 seconds 
   $ restarted 3; efs 0/nv/item_files/modem/kelvra/qmi_print_flag
    01
   $ answer 11 6 1 | folded
   bp_rf_print, opt = 1 | kelvra_efs_write failed
-  $ vxk 11 3 1 | folded; property persist.vendor.radio.print_stats
-  ap_kolvo_print, opt = 1 | success, need to reboot
-  1
   $ vxk 11 3 0 | folded; property persist.vendor.radio.print_stats
   ap_kolvo_print, opt = 0 | success, need to reboot
   2
@@ -166,12 +149,10 @@ Antenna configurations: the modem keeps them in two files.
   kelvra_gpio_test_set | kelvra_gpio_test_set, gpio_v[0]: 5 | kelvra_gpio_test_set, gpio_v[1]: -1 | kelvra_gpio_test_set, gpio_v[2]: 0
   $ answer 3 1 | folded
   kelvra_gpio_test_get |  | data len(16) | data:  03 00 00 00 05 00 00 00 FF FF FF FF 00 00 00 00
-  $ answer 3 3 1 4 0x80 | folded
-  kelvra_rf_tx_test_set, argc(6) |  v_ant(1) |  v_sys(4) |  v_band_list(128)
-  $ answer 3 3 0 4 0x80000000000 | folded
-  kelvra_rf_tx_test_set, argc(6) |  v_ant(0) |  v_sys(4) |  v_band_list(8796093022208)
+  $ answer 3 3 1 4 0x80000000080 | folded
+  kelvra_rf_tx_test_set, argc(6) |  v_ant(1) |  v_sys(4) |  v_band_list(8796093022336)
   $ answer 3 4 | folded
-  kelvra_rf_tx_test_get |  | data len(16) | data:  00 00 00 00 04 00 00 00 00 00 00 00 00 08 00 00
+  kelvra_rf_tx_test_get |  | data len(16) | data:  01 00 00 00 04 00 00 00 80 00 00 00 00 08 00 00
   $ answer 3 2; answer 3 5; answer 3 5 | helpless | folded
   kelvra_gpio_test_closed
   kelvra_rf_tx_test_closed
@@ -180,8 +161,7 @@ Antenna configurations: the modem keeps them in two files.
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=4 data_len=512 form="gpio" code=0 command="gpio" data=[00 00 00 00 00 00 00 00 03 00 00 00 05 00 00 00 FF FF FF FF (+492 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" offset=0 data=[04 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
-  id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 01 00 00 00 04 00 00 00 80 (+495 zero)]
-  id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 00 08 (+490 zero)]
+  id=4 data_len=512 form="tx_antenna" code=1 command="tx_antenna" data=[01 00 00 00 00 00 00 00 01 00 00 00 04 00 00 00 80 00 00 00 00 08 (+490 zero)]
   id=2 data_len=512 command="efs_read" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" offset=0 data=[04 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/kelvra/rf_ant_port_config\x00" data=[06 00 00 00 2F 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 6B 65 6C 76 72 61 2F 72 66 5F 61 6E 74 5F 70 6F 72 74 5F 63 6F 6E 66 69 67 (+461 zero)]
   id=2 data_len=512 command="efs_delete" sub=0 path="/nv/item_files/modem/antenna/ant_tx_config\x00" data=[06 00 00 00 2B 2F 6E 76 2F 69 74 65 6D 5F 66 69 6C 65 73 2F 6D 6F 64 65 6D 2F 61 6E 74 65 6E 6E 61 2F 61 6E 74 5F 74 78 5F 63 6F 6E 66 69 67 (+465 zero)]
@@ -194,10 +174,8 @@ Antenna configurations: the modem keeps them in two files.
   
   data len(204)
   data:  32 00 00 00 65 00 00 00
-  $ vxk 3 1 extra | helpless | folded
-  kelvra_gpio_test_get |  | note: Cmd error, should be: vxk 3 1 , Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
   $ vxk 3 3 1 4 | helpless | folded
   kelvra_rf_tx_test_set, argc(5) |  | note: need 5 inputs, Pls refer to the following cmd: |  | note: Error happen! error_code(268431370) | 
-  $ vxk 6 4 0 0 0 0 0 0 0 0 51 > /dev/null; vxk 6 4 1 0 0 0 0 0 0 0 1 > /dev/null
+  $ vxk 6 4 0 0 0 0 0 0 0 0 51 0 0 0 $(seq 204) > /dev/null; vxk 6 4 1 0 0 0 0 0 0 0 1 > /dev/null
   $ grep -c 'EA FF FF FF' "$VXK_HANDSET_DIR/log/wire.log"
   2
