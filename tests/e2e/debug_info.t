@@ -25,14 +25,9 @@ The built-in record, which needs no modem, without and with the trace of every s
 The verdict: the feature runs, is switched off, or meets diag logs that it does not know.
 
   $ boot
-  $ vxk 7 1 0
+  $ past_channel 7 1 0
   Get the debug info of modem_stats, mask = 0x0
   RIL[kelvra_common_qmi_req:#]: function entry ------------->
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1
-  KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_entries = 1 num_services = 1
-  QMI client inited
-  kelvra_extend_qmi_send_sync resp_len:237
-  kelvra_extend_qmi_handle_req_cb result:0
   RIL[kelvra_common_qmi_req:#]: function exit <-------------
   UNPK[size:1], version = 4
   UNPK[size:1], modem_stats_feature_enable_status = 1
@@ -97,29 +92,21 @@ counters of version 0 need.
 
   $ bytes() { printf "$1 %.0s" $(seq "$2"); }
   $ for raw in '' 04 "00 $(bytes 01 24)" "00 01 $(bytes 00 24)" "00 $(bytes 00 135)"; do
-  >   boot "{\"debug\": {\"raw\": \"$raw\"}}"; { answer 7 1 0; answer 7 1 1; } | grep -oE "= -103,|[a-z_]* = [0-9]+$|CLOSED|SUCCES" | xargs
+  >   boot "{\"debug\": {\"raw\": \"$raw\"}}"; { answer 7 1 0; answer 7 1 1; } | grep -oE ".* = -103, .*|[a-z_]* = [0-9]+$|CLOSED|SUCCES" | xargs
   > done
-  = -103, result = 0 = -103, result = 0
-  = -103, result = 0 = -103, result = 0
-  = -103, result = 0 = -103, result = 0
-  version = 0 modem_stats_feature_enable_status = 1 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 SUCCES = -103, result = 0
-  version = 0 modem_stats_feature_enable_status = 0 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 CLOSED = -103, result = 0
+  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0 kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
+  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0 kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
+  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0 kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
+  version = 0 modem_stats_feature_enable_status = 1 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 SUCCES kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
+  version = 0 modem_stats_feature_enable_status = 0 version_not_support_num = 0 modem_stats_cmd_ok_count = 0 modem_stats_cmd_fail_count = 0 CLOSED kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
 
-Requests that fail: in the channel, in the modem, with an answer that is too short.
+The request for the list fails: in the channel, in the modem, with an answer that is too short.
 
   $ boot '{"debug": {"main": {"g_unpk_version_not_support_num": 1}}, "faults": [
-  >   {"service": "extension", "code": 20, "action": "result", "result": 5},
-  >   {"service": "extension", "code": 20, "action": "modem_result", "result": -7},
-  >   {"service": "extension", "code": 20, "action": "payload", "bytes": "00 00 00 00 FF FF"},
   >   {"service": "extension", "code": 27, "action": "result", "result": 5},
   >   {"service": "extension", "code": 27, "action": "modem_result", "result": 9},
   >   {"service": "extension", "code": 27, "action": "payload", "bytes": "00 00 00 00 00 00 00 00 1B 00 00 00 01 00 00 00 01"}]}'
-  $ for fault in 1 2 3; do answer 7 1 1 | tail -n +2; done
-  5 QMI service framework error. Check client
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -3, rsp.result = 0
-  qmi response fail, result = -7, rsp.result = -7
-  kelvra_common_qmi_req fail, REQUEST_ID_COMMON, result = -103, rsp.result = 0
-  $ for fault in 4 5 6; do answer 7 1 0 | tail -n +7; done
+  $ for fault in 1 2 3; do answer 7 1 0 | tail -n +7; done
   5 QMI service framework error. Check client
   kelvra_common_qmi_req fail, result = -3, rsp_not_support.result = 0
   qmi response fail, result = 9, rsp_not_support.result = 9

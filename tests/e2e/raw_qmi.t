@@ -49,9 +49,3 @@ Numbers that are fatal, with what was printed before them.
   0x01 0x02 0x03 0x04 0x05 0x06 0x07 0x08 0x09 0x0A 0x0B 0x0C 
   $ vxk-handset log --dir "$VXK_HANDSET_DIR" | grep -a 'request' | tail -1 | grep -o 'data_len=[0-9]*'
   data_len=500
-
-A failed exchange.
-
-  $ boot '{"faults": [{"service": "extension", "request": 4, "action": "result", "result": 3}]}'
-  $ answer 6 4 1 | helpless | folded
-  kv_qmi req data(qmi_id: 4, len: 1[max: 500]): | 0x01 KELVRA_QMI_NV: qmi_client_get_service_list() returned 0 num_services = 1 | 3 QMI service framework error. Check client | qmi_id = 4, result = -3 | kelvra_extend_qmi_send_sync fail | 

@@ -11,7 +11,7 @@ Each command on a healthy handset, and the values of its answer.
   $ set_property persist.radio.ssr_wait_s 0; set_property persist.vendor.ssr.restart_level ALL_ENABLE
   $ all() { while IFS='|' read -ra all; do for words in "${all[@]}"; do printf '%s: ' "$words"; judged -- $words; done; done; }
   $ all <<'END'
-  > 5 0 0 0 3000 0x4B|5 0 1 1 0 0|5 1|5 2 0|5 4|5 5|5 6 0|5 10 4 0|6 4 39|7 0 0|7 1 0|9 10 0|9 30 0
+  > 5 0 0 0 3000 0x4B|5 0 1 1 0 0|5 1|5 2 0|5 4|5 5|5 6 0|5 10 4 0|6 4 39|7 0 0|7 1 0|9 30 0
   > 11 2|11 3 1|11 0
   > END
   5 0 0 0 3000 0x4B: 0 success {"length": 2, "bytes": "13 4B"}
@@ -25,7 +25,6 @@ Each command on a healthy handset, and the values of its answer.
   6 4 39: 0 success {"result": 0}
   7 0 0: 0 success {"record": {"version": 196609, "mcc": 29440, "mnc_num": 128, "mnc": 704, "tac": 497189504, "cgi": 2028284490176, "pci": 51666, "freq_band_ind": 64, "dl_earfcn": 27450241, "dl_bw": 1280, "ul_earfcn": 24836608, "ul_bw": 1280, "allow_access": 128, "scs": 0}}
   7 1 0: 0 success {"counters": {"version": 4, "modem_stats_feature_enable_status": 1, "version_not_support_num": 0, "modem_stats_cmd_ok_count": 1284, "modem_stats_cmd_fail_count": 3}}
-  9 10 0: 0 success {"measurements": {"rsrp_rx0": {"value": -84.5, "unit": "dBm"}, "rsrp_rx1": {"value": -85.25, "unit": "dBm"}, "rsrp_rx2": {"value": -89.75, "unit": "dBm"}, "rsrp_rx3": {"value": -91.0, "unit": "dBm"}, "rsrq": {"value": -10.75, "unit": "dB"}}}
   9 30 0: 0 success {"measurements": {"ant_num": {"value": 4, "unit": null}, "ant_path": {"value": 258, "unit": null}, "sig_path": {"value": 515, "unit": null}, "old_config": {"value": 1, "unit": null}, "new_config": {"value": 2, "unit": null}}}
   11 2: 0 success {}
   11 3 1: 0 success {}
@@ -51,9 +50,7 @@ Command lines that the tool does not take.
 A sick modem, a profile a line, and what does not stop with the tool's own words.
 
   $ while IFS='|' read -r words profile; do boot "{$profile}"; printf '%s: ' "$words"; judged -- $words; done <<'END'
-  > 4 4 0 /none|
   > 5 2 1|"cards": {"slots": [{}]}
-  > 4 5 0 /x 1|"faults": [{"service": "extension", "action": "no_answer"}]
   > 11 2|"faults": [{"service": "extension", "action": "close"}]
   > 3 0 1|"faults": [{"service": "extension", "action": "result", "result": 9}]
   > 5 1|"faults": [{"service": "extension", "action": "cut", "keep": 3}]
@@ -65,14 +62,11 @@ A sick modem, a profile a line, and what does not stop with the tool's own words
   > 5 0 1 0 200 0|"diag": {"responses": [{"silent": true}]}
   > 7 1 0|"debug": {"main": {"g_unpk_version_not_support_num": 1}, "not_supported_logs": [1, 2]}
   > 7 1 0|"debug": {"main": {"g_modem_stats_feature_enable_status": 0}}
-  > 9 7 0|"statistics": {"values": [{"id": 94, "length": 12}]}
   > 9 7 0|"statistics": {"values": [{"id": 94, "rssi0": "nan", "rssi1": "inf"}]}
   > 9 10 0|"faults": [{"service": "statistics", "message": 3, "action": "result", "result": 1}]
   > 10 0 1|
   > END
-  4 4 0 /none: 1 failure ["the modem answered: no such file or item (-2)"]
   5 2 1: 1 failure ["the modem answered: malformed request (-22)"]
-  4 5 0 /x 1: 1 failure ["the modem did not answer within the tool's time-out"]
   11 2: 1 failure ["the modem's service went away"]
   3 0 1: 1 failure ["the modem's service refused: result 9"]
   5 1: 1 failure ["the modem's answer does not decode"]
@@ -84,7 +78,6 @@ A sick modem, a profile a line, and what does not stop with the tool's own words
   5 0 1 0 200 0: 1 failure ["no diag response within the command's time"]
   7 1 0: 1 failure ["the statistics feature meets diag logs that it does not know: 2"]
   7 1 0: 1 failure ["the statistics feature is switched off"]
-  9 7 0: 1 failure ["the modem's value ends before rssi2, id(0x5e)"]
   9 7 0: 0 success {"measurements": {"rssi_rx0": {"value": null, "unit": "dBm"}, "rssi_rx1": {"value": null, "unit": "dBm"}, "rssi_rx2": {"value": -63.75, "unit": "dBm"}, "rssi_rx3": {"value": -64.5, "unit": "dBm"}}}
   9 10 0: 0 success {"measurements": {"rsrp_rx0": {"value": -84.5, "unit": "dBm"}, "rsrp_rx1": {"value": -85.25, "unit": "dBm"}, "rsrp_rx2": {"value": -89.75, "unit": "dBm"}, "rsrp_rx3": {"value": -91.0, "unit": "dBm"}, "rsrq": {"value": -10.75, "unit": "dB"}}}
   10 0 1: 1 failure ["pdc init failed, do nothing"]
