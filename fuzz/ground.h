@@ -11,13 +11,12 @@
 class Ground {
 public:
     Ground() { require(mkdtemp(path_.data()) != nullptr, "a temporary folder can be made"); }
-    ~Ground() { clear(); }
+    ~Ground() { std::filesystem::remove_all(path_); }
     Ground(const Ground&) = delete;
     Ground& operator=(const Ground&) = delete;
 
     std::string at(const char* name) const { return path_ + "/" + name; }
     const std::string& path() const { return path_; }
-    void clear() const { std::filesystem::remove_all(path_); }
 
 private:
     std::string path_ =

@@ -181,7 +181,7 @@ int decode(qmi_idl_type_of_message_type type, unsigned message, const void* src,
 
 // Diag
 
-/// To who listens, by what the road tells beside the bytes. An empty response has an address, too.
+/// To the listener, if there is one, with what else its road tells. An empty response has an address, too.
 template <typename Listener, typename... Rest>
 void tell(Listener* listener, std::vector<uint8_t> bytes, Rest... rest) {
     bytes.reserve(1);
