@@ -351,16 +351,22 @@ TEST(QmiService, IsFoundHoweverLateItAccepts) {
     qmi_client_type client = nullptr;
     qmi_client_type notifier = nullptr;
     qmi_client_os_params signal;
+    qmi_service_info info{};
+    unsigned entries = 1;
     unsigned services = 9;
     ASSERT_EQ(qmi_client_notifier_init(kVs, &signal, &notifier), QMI_NO_ERR);
     EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 100), QMI_NO_ERR);
-    EXPECT_EQ(qmi_client_get_service_list(kVs, nullptr, nullptr, &services), QMI_SERVICE_ERR);
+    EXPECT_EQ(qmi_client_get_service_list(kVs, &info, &entries, &services), QMI_NO_ERR);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(qmi_client_init_instance(kVs, 0, nullptr, nullptr, nullptr, 50, &client), QMI_TIMEOUT_ERR);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
-    std::thread handset([&] { listener.accept(); });
-    EXPECT_EQ(qmi_cci_os_signal_wait(&signal, 5000), QMI_NO_ERR);
+    std::thread handset([&] {
+        listener.accept();
+        listener.accept();
+    });
+    EXPECT_EQ(qmi_client_init(&info, kVs, nullptr, nullptr, nullptr, &client), QMI_NO_ERR);
     handset.join();
+    EXPECT_EQ(qmi_client_release(client), QMI_NO_ERR);
     EXPECT_EQ(qmi_client_release(notifier), QMI_NO_ERR);
 }
 

@@ -86,6 +86,13 @@ bool is_same(const qmi_service_info& one, const qmi_service_info& other) {
     return std::equal(one.info, std::end(one.info), other.info);
 }
 
+// Never waits: a queue that is full is that of a service which is there.
+bool is_listened_to(const sockaddr_un& address) {
+    const host::UniqueFd fd(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return connect(fd.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
+           errno == EAGAIN;
+}
+
 }  // namespace
 
 host::UniqueFd connect_to(const sockaddr_un& address, Clock::time_point deadline) {
@@ -104,14 +111,13 @@ std::unique_ptr<Channel> socket_channel(host::UniqueFd socket) {
     return socket ? std::make_unique<SocketChannel>(std::move(socket)) : nullptr;
 }
 
-host::UniqueFd FolderRoad::connect(uint32_t service_id, Clock::time_point deadline) const {
-    const auto address = host::socket_address(folder_ + "/" + host::qmi_place(service_id));
-    return address ? connect_to(*address, deadline) : host::UniqueFd();
+std::optional<sockaddr_un> FolderRoad::address_of(uint32_t service_id) const {
+    return host::socket_address(folder_ + "/" + host::qmi_place(service_id));
 }
 
 // Another file at the same place is another handset. A socket that was listened to and is still the same is
 // not asked again, so that a waiting client does not keep the handset busy.
-Road::Instances FolderRoad::look(uint32_t service_id, const Instances& known, Clock::time_point deadline) {
+Road::Instances FolderRoad::look(uint32_t service_id, const Instances& known, Clock::time_point) {
     struct stat status;
     if (stat((folder_ + "/" + host::qmi_place(service_id)).c_str(), &status) != 0)
         return {};
@@ -119,7 +125,8 @@ Road::Instances FolderRoad::look(uint32_t service_id, const Instances& known, Cl
                                  static_cast<uint32_t>(status.st_ctim.tv_sec),
                                  static_cast<uint32_t>(status.st_ctim.tv_nsec)}};
     const bool is_known = known.size() == 1 && is_same(known[0], seen);
-    return is_known || connect(service_id, deadline) ? Instances{seen} : Instances{};
+    const auto address = address_of(service_id);
+    return is_known || (address && is_listened_to(*address)) ? Instances{seen} : Instances{};
 }
 
 void FolderRoad::wait_for_change(const std::vector<uint32_t>&, Clock::time_point deadline) {
@@ -129,7 +136,8 @@ void FolderRoad::wait_for_change(const std::vector<uint32_t>&, Clock::time_point
 // A folder has one instance of a service at most, whichever it was when somebody looked.
 std::unique_ptr<Channel> FolderRoad::open(uint32_t service_id, const qmi_service_info*,
                                           Clock::time_point deadline) {
-    return socket_channel(connect(service_id, deadline));
+    const auto address = address_of(service_id);
+    return address ? socket_channel(connect_to(*address, deadline)) : nullptr;
 }
 
 std::string FolderRoad::absence() const {

@@ -26,7 +26,7 @@ public:
     std::string absence() const override;
 
 private:
-    host::UniqueFd connect(uint32_t service_id, Clock::time_point deadline) const;
+    std::optional<sockaddr_un> address_of(uint32_t service_id) const;
 
     const std::string folder_;
 };

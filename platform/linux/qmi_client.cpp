@@ -17,8 +17,8 @@ namespace {
 
 using Outcome = Connection::Outcome;
 
-// What opening a service that was found may take.
-constexpr std::chrono::seconds kOpenLimit{1};
+// What opening a service that was found may take: it may be slow to accept.
+constexpr std::chrono::seconds kOpenLimit{5};
 
 constexpr uint32_t request_key(uint16_t transaction, uint16_t message) {
     return static_cast<uint32_t>(transaction) << 16 | message;
