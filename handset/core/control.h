@@ -65,6 +65,7 @@ private:
     void opened(Endpoint&, ConnectionId, Peer) override {}
     void received(ConnectionId connection, wire::View packet) override;
     void received_too_much(ConnectionId, size_t) override {}
+    void sent_too_much(ConnectionId, size_t) override {}
     void closed(ConnectionId) override {}
 
     const std::function<void()> done_;

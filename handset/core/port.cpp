@@ -98,6 +98,13 @@ void Port::received_too_much(ConnectionId id, size_t length) {
     core_.flush();
 }
 
+void Port::sent_too_much(ConnectionId id, size_t length) {
+    log(line(id, Direction::kEvent)
+            .event("unsent", static_cast<uint32_t>(length))
+            .unsigned_number("length", length));
+    core_.flush();
+}
+
 void Port::closed(ConnectionId id) {
     end(id, false);
 }

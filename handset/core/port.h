@@ -32,7 +32,6 @@ public:
     /// Everywhere, and closes every connection.
     void withdraw() override;
     void withdraw_for(std::chrono::milliseconds time);
-    bool published() const { return published_; }
 
     const std::string& where() const { return where_; }
 
@@ -72,6 +71,7 @@ private:
     void opened(Endpoint& endpoint, ConnectionId connection, Peer peer) override;
     void received(ConnectionId connection, wire::View packet) override;
     void received_too_much(ConnectionId connection, size_t length) override;
+    void sent_too_much(ConnectionId connection, size_t length) override;
     void closed(ConnectionId connection) override;
 
     void spoil(ConnectionId connection, Exchange& exchange, const Fault& fault);

@@ -77,8 +77,10 @@ host::QrtrSocket registered_socket(uint32_t service) {
         host::QrtrSocket socket = open_socket();
         const uint32_t instance = lowest_free(taken);
         tell_names(socket, QRTR_TYPE_NEW_SERVER, service, instance << 8 | kInterfaceVersion);
-        // By the time the lookup is told of it, every other client is.
-        while (news = next_news(lookup), !(news.address == socket.own)) {
+        // By the time the lookup is told of it, every other client is. The port may have been that of an
+        // earlier try, whose end is told first.
+        while (news = next_news(lookup),
+               news.command != QRTR_TYPE_NEW_SERVER || !(news.address == socket.own)) {
             if (news.command == QRTR_TYPE_NEW_SERVER)
                 taken.insert(news.instance >> 8);
         }
@@ -189,6 +191,8 @@ void QrtrEndpoint::send(ConnectionId id, wire::View packet) {
     const auto found = client(id);
     if (found == clients_.end())
         return;
+    if (packet.size > host::kQrtrPacketMax)
+        return user_.sent_too_much(id, packet.size);
     auto& [address, to] = *found;
     if (to.unsent.empty() && (socket_.send(address, packet.data, packet.size) || !full(errno)))
         return;

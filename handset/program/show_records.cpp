@@ -152,7 +152,7 @@ std::string text_line(const Told& told) {
             line.number("pid", record.pid);
         if (!record.command.empty())
             line.text("command", record.command);
-        if (record.event == "malformed")
+        if (record.event == "malformed" || record.event == "unsent")
             line.unsigned_number("length", record.number);
     } else if (told.qmi) {
         write_packet(*told.qmi, asked, line);
@@ -213,7 +213,7 @@ std::string json_line(const Told& told) {
         line.malformed();
     if (!record.command.empty())
         line.text("command", record.command);
-    if (record.event == "malformed")
+    if (record.event == "malformed" || record.event == "unsent")
         line.unsigned_number("length", record.number);
     if (record.event == "closed")
         line.text("by", record.number != 0 ? "modem" : "client");
