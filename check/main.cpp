@@ -224,7 +224,10 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        return run(argc, argv);
+        const int status = run(argc, argv);
+        if (fflush(stdout) != 0 || ferror(stdout) != 0)
+            return complain(std::string("cannot write to standard output: ") + strerror(errno));
+        return status;
     } catch (const std::exception& error) {
         return complain(error.what());
     }

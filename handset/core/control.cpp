@@ -131,6 +131,9 @@ std::string ask_control(const std::string& folder, const Control::Words& words) 
     std::string request;
     for (const std::string& word : words)
         request.append(word).append(1, '\0');
+    if (request.size() > kPacketMax)
+        throw Error("the words are " + std::to_string(request.size()) + " bytes; at most " +
+                    std::to_string(kPacketMax) + " go to a handset at once");
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const std::string path = folder + "/" + Control::kSocket;

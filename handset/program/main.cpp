@@ -105,7 +105,6 @@ int run(int argc, char** argv) {
         CLI::App* control = app.add_subcommand(name, help);
         add_dir_option(*control, dir);
         control->add_option("words", request, "")->option_text(takes);
-        control->positionals_at_end();
         return control;
     };
     const CLI::App* const controls[] = {
@@ -124,7 +123,9 @@ int run(int argc, char** argv) {
         if (!runs && end_of_options != words.end())
             throw CLI::ExtrasError({"--"});
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kUsageError;
+        const int status = app.exit(error) == 0 ? 0 : kUsageError;
+        handset::flush_output();
+        return status;
     }
 
     const std::string folder = dir.empty() ? handset::default_folder() : handset::resolved_folder(dir);

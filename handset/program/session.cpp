@@ -68,6 +68,20 @@ private:
     EventLoop::Token watch_ = 0;
 };
 
+/// While it lives, a reader that goes away ends no handset in the middle of its work.
+class ClosedPipes {
+public:
+    ClosedPipes() : before_(signal(SIGPIPE, SIG_IGN)) {}
+    ~ClosedPipes() { restore(); }
+    ClosedPipes(const ClosedPipes&) = delete;
+    ClosedPipes& operator=(const ClosedPipes&) = delete;
+
+    void restore() const { signal(SIGPIPE, before_); }
+
+private:
+    const sighandler_t before_;
+};
+
 Profile profile_of(const BootOptions& options) {
     return options.profile.empty() ? Profile() : load_profile(found_profile(options.profile));
 }
@@ -119,7 +133,7 @@ std::vector<std::unique_ptr<Transport>> transports_of(const BootOptions& options
 // Returns 0 or the errno that kept the command from starting, which the child sends through a pipe that a
 // started command closes. posix_spawn's own report does not come through user-mode emulation. The command
 // dies with this process, however that ends.
-int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) {
+int start(std::vector<std::string> command, const sigset_t& mask, const ClosedPipes& pipes, pid_t& child) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (std::string& argument : command)
@@ -138,6 +152,7 @@ int start(std::vector<std::string> command, const sigset_t& mask, pid_t& child) 
         if (getppid() != parent)
             _exit(EXIT_FAILURE);
         sigprocmask(SIG_SETMASK, &mask, nullptr);
+        pipes.restore();
         execvp(arguments[0], arguments.data());
         error = errno;
         const ssize_t sent = write(report[1], &error, sizeof error);
@@ -171,6 +186,7 @@ int status_of(int wait_status) {
 }
 
 int run_in(const std::string& folder, const BootOptions& options, const std::vector<std::string>& command) {
+    const ClosedPipes pipes;
     EventLoop loop;
     Replay replay(options);
     Handset handset(loop, folder, profile_of(options), transports_of(options, loop), replay.book());
@@ -189,7 +205,7 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
     });
     setenv("VXK_HANDSET_DIR", handset.folder().c_str(), 1);
     put_programs_on_path();
-    const int error = start(command, signals.before(), child);
+    const int error = start(command, signals.before(), pipes, child);
     if (error != 0) {
         complain("cannot run " + command[0] + ": " + strerror(error));
         return error == ENOENT ? 127 : 126;
@@ -203,6 +219,7 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
 }  // namespace
 
 int serve(const BootOptions& options) {
+    const ClosedPipes pipes;
     const Profile profile = profile_of(options);
     Replay replay(options);
     EventLoop loop;
