@@ -6,7 +6,7 @@
 
 #include "at_network.h"
 #include "diag_frame.h"
-#include "diag_responder.h"
+#include "diag_peripheral.h"
 #include "finding.h"
 #include "input.h"
 #include "sim_access.h"
@@ -67,7 +67,7 @@ void write_lines(Input& input) {
 void answer(const wire::Bytes& command, handset::DiagMasks& masks) {
     constexpr size_t kMost = handset::DiagFrameReader::kPacketMax;
     require(command.size() <= kMost + 2, "a frame is bounded");
-    const wire::Bytes response = *handset::diag_response({}, masks, command).bytes;
+    const wire::Bytes response = handset::answer_diag_command(command, masks);
     handset::DiagFrameReader reader;
     std::optional<handset::DiagFrame> frame;
     for (const uint8_t byte : handset::diag_frame(response))

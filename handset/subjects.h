@@ -69,13 +69,11 @@ struct Subjects {
           lone_services(make_all(core, profile.lone_services)),
           sim(slots),
           at(core, profile.at, sim),
-          diag_answers(profile.diag),
-          diag(core, diag_answers, profile.diag.streams),
-          dm(core, diag_answers, profile.diag.logs) {
-        let_change(core, diag_answers);
-        add_maintenance(core, requests, files);
-        add_statistics_debug(core, requests, profile.debug);
-    }
+          diag_responder(core, profile.diag),
+          diag(core, diag_responder, profile.diag.streams),
+          dm(core, diag_responder, profile.diag.logs),
+          maintenance(core, requests, files),
+          statistics_debug(core, requests, profile.debug) {}
 
     ModemFiles files;
     CommonRequests requests;
@@ -86,9 +84,11 @@ struct Subjects {
     std::vector<std::unique_ptr<QmiService>> lone_services;
     UimSimAccess sim;
     AtChannel at;
-    DiagAnswers diag_answers;  // of both ports
+    DiagResponder diag_responder;  // of both ports
     DiagPort diag;
     DmPort dm;
+    Maintenance maintenance;
+    StatisticsDebug statistics_debug;
 };
 
 }  // namespace handset

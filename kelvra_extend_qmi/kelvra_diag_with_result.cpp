@@ -230,7 +230,6 @@ struct Request {
     const char* function;
     uint8_t* cmd;
     int cmd_len;
-    int time_out;
     uint8_t* reply_buf;
     int* p_reply_len;
 };
@@ -298,7 +297,7 @@ int await_response(const Request& request, uintptr_t command, AfterCopy after) {
 int kelvra_diag_cmd_send_with_result_by_callback_mode(uint8_t* cmd, int cmd_len, int time_out,
                                                       uint8_t* reply_buf, int* p_reply_len) {
     KELVRA_LOG_SCOPE();
-    const Request request{__func__, cmd, cmd_len, time_out, reply_buf, p_reply_len};
+    const Request request{__func__, cmd, cmd_len, reply_buf, p_reply_len};
     const Lock one_command_at_a_time(g_diag_send_mutex);
     if (check(request) != 0)
         return 1;
@@ -322,7 +321,7 @@ int kelvra_diag_cmd_send_with_result_by_callback_mode(uint8_t* cmd, int cmd_len,
 int kelvra_diag_cmd_send_with_result_by_dci_mode(uint8_t* cmd, int cmd_len, int time_out, uint8_t* reply_buf,
                                                  int* p_reply_len) {
     KELVRA_LOG_SCOPE();
-    const Request request{__func__, cmd, cmd_len, time_out, reply_buf, p_reply_len};
+    const Request request{__func__, cmd, cmd_len, reply_buf, p_reply_len};
     const Lock one_command_at_a_time(g_diag_send_mutex);
     if (check(request) != 0)
         return 1;

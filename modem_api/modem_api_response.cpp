@@ -71,9 +71,7 @@ void modem_api_common_command_cb_handler(const void* resp, unsigned int resp_len
     const auto* bytes = static_cast<const uint8_t*>(resp);
     const uint32_t len = resp_len < kDataAt ? UINT32_MAX : get_le<uint32_t>(bytes + kLenAt);
     void* copy = nullptr;
-    if (resp_len < kDataAt || len > resp_len - kDataAt)
-        KOLVO_LOG(ANDROID_LOG_ERROR, "data does not fit a response of %u bytes", resp_len);
-    else
+    if (resp_len >= kDataAt && len <= resp_len - kDataAt)
         copy = kolvo_malloc_adv(len, "modem_api_common_command_cb_handler");
     if (copy == nullptr) {
         cb->callback(nullptr, 0, cb->user_data, MODEM_API_RESPONSE_NONE);

@@ -1,5 +1,6 @@
-// A command group: the first number of the command line, and the table of what may stand behind it. A group
-// lives in one file, which is named after it and holds its table and its commands.
+// A command group: the first number of the command line, and the table of what may stand behind it. A group's
+// file is named after it and holds its table and its commands; one that outgrows it has further files of the
+// same name.
 #pragma once
 
 #include <cstddef>

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "messages.h"
+#include "qmi_service.h"
 
 namespace handset {
 namespace {
@@ -33,16 +34,6 @@ bool matches(const Fault& fault, const ExchangeKey& key) {
            matches(fault.code, key.code);
 }
 
-// A message's name alone may mean several services: it is looked for in the one that is named.
-void read_message(Section& section, Fault& fault) {
-    Section::Named names;
-    for (const messages::Message& row : messages::all_messages()) {
-        if (fault.service.value_or(row.service) == row.service)
-            names.emplace_back(row.name, row.id);
-    }
-    section.named_integer("message", fault.message, 0, UINT16_MAX, names);
-}
-
 // The command inside a request of the extension service. A name tells which request it is inside of.
 void read_code(Section& section, Fault& fault) {
     Section::Named names;
@@ -69,7 +60,7 @@ void read_match(Section& section, Fault& fault) {
     for (const messages::Service& service : messages::services())
         names.emplace_back(service.name, service.id);
     section.named_integer("service", fault.service, 1, UINT16_MAX, names);
-    read_message(section, fault);
+    read_message(section, "message", fault.service, fault.message);
     if (fault.service == messages::kExtension) {
         section.named_integer("request", fault.request, 0, UINT32_MAX,
                               {{"file_access", messages::kFileAccess}, {"common", messages::kCommon}});

@@ -25,42 +25,15 @@ uint64_t KeptState::number(const std::string& key, uint64_t otherwise) const {
     return number;
 }
 
-bool KeptState::flag(const std::string& key, bool otherwise) const {
-    return number(key, otherwise ? 1 : 0) != 0;
-}
-
-std::vector<std::string> KeptState::texts(const std::string& key,
-                                          const std::vector<std::string>& otherwise) const {
-    const auto found = lines_.find(key);
-    if (found == lines_.end())
-        return otherwise;
-    std::vector<std::string> texts;
-    std::istringstream words(found->second);
-    for (std::string word; words >> word;)
-        texts.push_back(word);
-    return texts;
-}
-
-void KeptState::keep(const std::string& key, uint64_t number) {
-    keep_words(key, std::to_string(number));
-}
-
-void KeptState::keep(const std::string& key, const std::vector<std::string>& texts) {
-    std::string words;
-    for (const std::string& text : texts)
-        words += (words.empty() ? "" : " ") + text;
-    keep_words(key, words);
-}
-
 uint64_t KeptState::count_up(const std::string& key) {
     const uint64_t count = number(key, 0) + 1;
     keep(key, count);
     return count;
 }
 
-void KeptState::keep_words(const std::string& key, const std::string& words) {
+void KeptState::keep(const std::string& key, uint64_t number) {
     auto lines = lines_;
-    lines[key] = words;
+    lines[key] = std::to_string(number);
     std::string text;
     for (const auto& line : lines)
         text.append(line.first).append(1, ' ').append(line.second).append(1, '\n');

@@ -19,23 +19,17 @@ public:
     /// The value of a key; `otherwise` when nothing was kept or it is of another type. Keys and texts have no
     /// blanks or line breaks.
     uint64_t number(const std::string& key, uint64_t otherwise) const;
-    bool flag(const std::string& key, bool otherwise) const;
-    std::vector<std::string> texts(const std::string& key, const std::vector<std::string>& otherwise) const;
 
     /// Keep the value: when this returns it is on the disk, or all is as it was and a line says why.
     void keep(const std::string& key, uint64_t number);
-    void keep(const std::string& key, bool flag) { keep(key, uint64_t{flag}); }
-    void keep(const std::string& key, const std::vector<std::string>& texts);
 
     /// A number that is kept as one more than it was.
     uint64_t count_up(const std::string& key);
 
 private:
-    void keep_words(const std::string& key, const std::string& words);
-
     Folder& folder_;
     const std::string subject_;
-    std::map<std::string, std::string> lines_;  // by key: words, separated by one blank
+    std::map<std::string, std::string> lines_;  // by key
 };
 
 }  // namespace handset

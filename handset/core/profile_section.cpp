@@ -272,10 +272,6 @@ void Section::list(const char* key, size_t longest, const Read& read) {
             [&](const Json& entry, const std::string& place) { read_object(entry, place, read); });
 }
 
-void Section::map(const char* key, const ReadNamed& read) {
-    object(key, [&read](Section& section) { section.each(read); });
-}
-
 void Section::each(const ReadNamed& read) {
     for (const auto& entry : json_.items()) {
         known_.insert(entry.key());

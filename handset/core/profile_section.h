@@ -96,10 +96,8 @@ public:
     /// A list of objects, `read` once for each.
     void list(const char* key, size_t longest, const Read& read);
 
-    /// An object whose keys are names of the writer's choice and whose values are objects.
-    void map(const char* key, const ReadNamed& read);
-
-    /// The section itself as such an object.
+    /// The section itself as an object whose keys are names of the writer's choice and whose values are
+    /// objects.
     void each(const ReadNamed& read);
 
     /// A list of whole numbers or texts; it replaces what was there.

@@ -6,7 +6,9 @@
 
 #include "core.h"
 #include "layout.h"
+#include "messages.h"
 #include "packet_line.h"
+#include "profile_section.h"
 
 namespace handset {
 namespace {
@@ -83,6 +85,16 @@ private:
 
 }  // namespace
 
+void read_message(Section& section, const char* key, std::optional<uint32_t> service,
+                  std::optional<uint32_t>& message) {
+    Section::Named names;
+    for (const messages::Message& row : messages::all_messages()) {
+        if (service.value_or(row.service) == row.service)
+            names.emplace_back(row.name, row.id);
+    }
+    section.named_integer(key, message, 0, UINT16_MAX, names);
+}
+
 std::vector<std::unique_ptr<QmiService>> make_all(Core& core, const std::vector<LoneService>& services) {
     std::vector<std::unique_ptr<QmiService>> made;
     made.reserve(services.size());
@@ -99,8 +111,9 @@ wire::Writer qmi_result(uint32_t error) {
     return body;
 }
 
-QmiService::QmiService(Core& core, uint16_t id) : id_(id), port_(std::make_unique<QmiPort>(core, *this)) {
-    core.add_service(id, [this](uint16_t message, const wire::Bytes& tlvs) { indicate(message, tlvs); });
+QmiService::QmiService(Core& core, const char* name)
+    : id_(messages::service(std::string_view(name))->id), port_(std::make_unique<QmiPort>(core, *this)) {
+    core.add_service(id_, [this](uint16_t message, const wire::Bytes& tlvs) { indicate(message, tlvs); });
 }
 
 QmiService::~QmiService() = default;

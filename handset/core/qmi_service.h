@@ -1,10 +1,11 @@
 // What a QMI service of the modem must say: its number and how it answers. Framing, connections, faults and
-// the wire log are QmiPort's; a new service is one class derived from QmiService and one line in
-// subjects.h.
+// the wire log are QmiPort's; a new service is one class derived from QmiService, its lines in subjects.h,
+// and its rows in the table of messages.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,9 @@ struct QmiAnswer {
 
 class QmiService {
 public:
-    /// Puts the service into the handset, which publishes it with its other ports.
-    QmiService(Core& core, uint16_t id);
+    /// Puts the service into the handset, which publishes it with its other ports. The table of messages has
+    /// its name.
+    QmiService(Core& core, const char* name);
     virtual ~QmiService();
     QmiService(const QmiService&) = delete;
     QmiService& operator=(const QmiService&) = delete;
@@ -87,6 +89,11 @@ LoneService lone_service(const char* section) {
     return {section, [profile](Section& found) { read_profile(found, *profile); },
             [profile](Core& core) { return std::make_unique<Service>(core, *profile); }};
 }
+
+/// A message by its name in the table of messages, or its number. A name alone may mean several services: it
+/// is looked for in the one that is given.
+void read_message(Section& section, const char* key, std::optional<uint32_t> service,
+                  std::optional<uint32_t>& message);
 
 /// Puts services in, in their order.
 std::vector<std::unique_ptr<QmiService>> make_all(Core& core, const std::vector<LoneService>& services);

@@ -18,13 +18,7 @@ constexpr uint32_t kEquipmentIds = 16;
 constexpr uint32_t kLastItem = 0xFFF;
 
 // Operations of message config.
-enum MessageOperation : uint8_t {
-    kMessageRanges = 1,
-    kBuildMask = 2,
-    kGetMask = 3,
-    kSetMask = 4,
-    kSetAllMasks = 5
-};
+enum MessageOperation : uint8_t { kMessageRanges = 1, kBuildMask = 2, kSetMask = 4, kSetAllMasks = 5 };
 constexpr uint8_t kMessageDone = 1;
 constexpr uint8_t kMessageRefused = 0;
 constexpr uint32_t kAllLevels = 0x1F;  // low to fatal, as far as the build has them

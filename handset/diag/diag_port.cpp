@@ -87,8 +87,8 @@ std::vector<wire::Bytes> dci_events(wire::View response, std::vector<uint64_t> p
 
 }  // namespace
 
-DiagPort::DiagPort(Core& core, const DiagAnswers& answers, const std::vector<DiagStream>& streams)
-    : Port(core, "diag", {"diag", 0, wire::kDiagPacketMax}), answers_(answers), streams_(streams) {}
+DiagPort::DiagPort(Core& core, const DiagResponder& responder, const std::vector<DiagStream>& streams)
+    : Port(core, "diag", {"diag", 0, wire::kDiagPacketMax}), responder_(responder), streams_(streams) {}
 
 void DiagPort::handle(ConnectionId connection, wire::View packet) {
     WireLine entry = line(connection, Direction::kToModem);
@@ -114,8 +114,8 @@ Answer DiagPort::carry_out(ConnectionId connection, wire::View request) {
     const messages::DiagOp* op = messages::diag_op(number);
     if (op == nullptr)
         return {answer_of(number, kUnknownOp, {}), {}};
-    const auto wanted = answers_.results.find(number);
-    if (wanted != answers_.results.end() && wanted->second != op->done)
+    const auto wanted = responder_.answers().results.find(number);
+    if (wanted != responder_.answers().results.end() && wanted->second != op->done)
         return {answer_of(number, wanted->second, {}), {}};
 
     Outcome outcome;
@@ -137,7 +137,7 @@ DiagPort::Outcome DiagPort::carry_out(ConnectionId connection, uint8_t op, wire:
             session.open = true;
             return {true};
         case wire::kDiagRemoteMask:
-            return {true, reply.u16(answers_.remote_mask).take()};
+            return {true, reply.u16(responder_.answers().remote_mask).take()};
         case wire::kDiagSwitchLogging:
             return {true};
         case wire::kDiagSend: {
@@ -154,7 +154,7 @@ DiagPort::Outcome DiagPort::carry_out(ConnectionId connection, uint8_t op, wire:
         case wire::kDiagDciSignal:
             return {session.clients.count(fields.i32()) > 0};
         case wire::kDiagDciSupport:
-            reply.u16(answers_.mpss_up ? kMpss : 0);
+            reply.u16(responder_.answers().mpss_up ? kMpss : 0);
             return {has_processor(fields.i32()), reply.take()};
         case wire::kDiagDciStreams: {
             const int32_t client = fields.i32();
@@ -177,14 +177,14 @@ DiagPort::Outcome DiagPort::carry_out(ConnectionId connection, uint8_t op, wire:
 }
 
 bool DiagPort::has_processor(int32_t processor) const {
-    return processor == 0 ||
-           (processor >= 1 && processor <= 16 && (answers_.remote_mask >> (processor - 1) & 1) != 0);
+    return processor == 0 || (processor >= 1 && processor <= 16 &&
+                              (responder_.answers().remote_mask >> (processor - 1) & 1) != 0);
 }
 
 DiagPort::Outcome DiagPort::send_command(ConnectionId connection, int32_t processor, wire::View command) {
     if (!has_processor(processor) || command.size == 0)
         return {};
-    const DiagResponse response = diag_response(answers_, sessions_[connection].masks, command);
+    const DiagResponse response = responder_.response(sessions_[connection].masks, command);
     wire::Writer event;
     event.u8(wire::kDiagEventResponse).u8(response.processor.value_or(static_cast<uint8_t>(processor)));
     event.bytes(*response.bytes);
@@ -194,7 +194,7 @@ DiagPort::Outcome DiagPort::send_command(ConnectionId connection, int32_t proces
 DiagPort::Outcome DiagPort::send_dci_command(ConnectionId connection, int32_t client, wire::View command) {
     if (sessions_[connection].clients.count(client) == 0 || command.size == 0)
         return {};
-    const DiagResponse response = diag_response(answers_, sessions_[connection].masks, command);
+    const DiagResponse response = responder_.response(sessions_[connection].masks, command);
     return respond(connection, client, response, dci_events(*response.bytes, response.pieces));
 }
 

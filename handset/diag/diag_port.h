@@ -13,10 +13,12 @@
 
 namespace handset {
 
+class DiagResponder;
+
 class DiagPort : public Port {
 public:
-    /// `answers` may change while it runs; both outlive it.
-    DiagPort(Core& core, const DiagAnswers& answers, const std::vector<DiagStream>& streams);
+    /// Both outlive it.
+    DiagPort(Core& core, const DiagResponder& responder, const std::vector<DiagStream>& streams);
 
     /// Carries out an op; its answer may be due later than at once.
     Answer carry_out(ConnectionId connection, wire::View request);
@@ -60,7 +62,7 @@ private:
     /// Sends an event, unless its session or its client, 0 for none, is gone by then.
     void send_event(ConnectionId connection, int32_t client, const wire::Bytes& packet);
 
-    const DiagAnswers& answers_;
+    const DiagResponder& responder_;
     const std::vector<DiagStream>& streams_;
     std::map<ConnectionId, Session> sessions_;
     int32_t last_client_ = 0;

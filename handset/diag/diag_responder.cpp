@@ -1,6 +1,7 @@
 #include "diag_responder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core.h"
 #include "diag_peripheral.h"
@@ -15,10 +16,18 @@ bool begins_with(wire::View bytes, const wire::Bytes& beginning) {
 
 }  // namespace
 
-DiagResponse diag_response(const DiagAnswers& answers, DiagMasks& masks, wire::View command) {
+DiagResponder::DiagResponder(Core& core, DiagAnswers answers) : answers_(std::move(answers)) {
+    core.control().add_setting("diag", [this](Section& section) {
+        DiagAnswers changed = answers_;
+        read_answers(section, changed);
+        return [this, changed] { answers_ = changed; };
+    });
+}
+
+DiagResponse DiagResponder::response(DiagMasks& masks, wire::View command) const {
     DiagResponse response;
-    response.timing = answers.timing;
-    for (const DiagResponse& wanted : answers.responses) {
+    response.timing = answers_.timing;
+    for (const DiagResponse& wanted : answers_.responses) {
         if (begins_with(command, wanted.command)) {
             response = wanted;
             break;
@@ -27,14 +36,6 @@ DiagResponse diag_response(const DiagAnswers& answers, DiagMasks& masks, wire::V
     if (!response.bytes)
         response.bytes = answer_diag_command(command, masks);
     return response;
-}
-
-void let_change(Core& core, DiagAnswers& answers) {
-    core.control().add_setting("diag", [&answers](Section& section) {
-        DiagAnswers changed = answers;
-        read_answers(section, changed);
-        return [&answers, changed] { answers = changed; };
-    });
 }
 
 }  // namespace handset

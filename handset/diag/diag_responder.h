@@ -9,11 +9,21 @@ namespace handset {
 
 class Core;
 
-/// The response with its bytes. `masks` are those of the client that sent the command, which has one byte at
-/// least.
-DiagResponse diag_response(const DiagAnswers& answers, DiagMasks& masks, wire::View command);
+class DiagResponder {
+public:
+    /// The answers can be set while the handset runs.
+    DiagResponder(Core& core, DiagAnswers answers);
+    DiagResponder(const DiagResponder&) = delete;
+    DiagResponder& operator=(const DiagResponder&) = delete;
 
-/// From now on they can be set while the handset runs.
-void let_change(Core& core, DiagAnswers& answers);
+    const DiagAnswers& answers() const { return answers_; }
+
+    /// The response with its bytes. `masks` are those of the client that sent the command, which has one byte
+    /// at least.
+    DiagResponse response(DiagMasks& masks, wire::View command) const;
+
+private:
+    DiagAnswers answers_;
+};
 
 }  // namespace handset

@@ -23,9 +23,9 @@ WireLine message_line(Direction direction, const char* name, wire::View message)
 
 }  // namespace
 
-DmPort::DmPort(Core& core, const DiagAnswers& answers, const std::vector<DiagLog>& logs)
+DmPort::DmPort(Core& core, const DiagResponder& responder, const std::vector<DiagLog>& logs)
     : core_(core),
-      answers_(answers),
+      responder_(responder),
       logs_(logs),
       terminal_(core, "dm", [this](wire::View bytes) { received(bytes); }),
       streams_(logs.size()) {
@@ -66,7 +66,7 @@ void DmPort::carry_out(wire::View command) {
     // A modem that is away does not hear.
     if (!core_.is_up())
         return;
-    const DiagResponse response = diag_response(answers_, masks_, command);
+    const DiagResponse response = responder_.response(masks_, command);
     if (!response.silent && response.timing.delay.count() == 0)
         send_response(*response.bytes);
     if (!response.silent && response.timing.delay.count() > 0) {

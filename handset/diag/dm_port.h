@@ -14,11 +14,12 @@
 namespace handset {
 
 class Core;
+class DiagResponder;
 
 class DmPort {
 public:
-    /// `answers` may change while it runs; both outlive it.
-    DmPort(Core& core, const DiagAnswers& answers, const std::vector<DiagLog>& logs);
+    /// Both outlive it.
+    DmPort(Core& core, const DiagResponder& responder, const std::vector<DiagLog>& logs);
     DmPort(const DmPort&) = delete;
     DmPort& operator=(const DmPort&) = delete;
 
@@ -38,7 +39,7 @@ private:
     void send_log(const DiagLog& log);
 
     Core& core_;
-    const DiagAnswers& answers_;
+    const DiagResponder& responder_;
     const std::vector<DiagLog>& logs_;  // of the profile
     Terminal terminal_;
     DiagFrameReader reader_;

@@ -19,7 +19,7 @@ constexpr uint8_t kTlvData = 0x10;
 }  // namespace
 
 ExtensionService::ExtensionService(Core& core, ModemFiles& files, CommonRequests& requests)
-    : QmiService(core, messages::kExtension), files_(files), requests_(requests) {}
+    : QmiService(core, "extension"), files_(files), requests_(requests) {}
 
 wire::Bytes ExtensionService::encode(uint32_t id, wire::View payload) {
     wire::Writer body;

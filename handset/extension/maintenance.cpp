@@ -113,7 +113,7 @@ CommonAnswer set_tx_antenna(ModemFiles& files, const CommonRequest& request) {
 
 }  // namespace
 
-void add_maintenance(Core& core, CommonRequests& requests, ModemFiles& files) {
+Maintenance::Maintenance(Core& core, CommonRequests& requests, ModemFiles& files) {
     const auto counters = std::make_shared<Counters>(core);
     requests.add(CommonForm::kTlv, kReset,
                  [&core, counters](const CommonRequest& request) { return reset(core, *counters, request); });

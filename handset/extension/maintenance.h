@@ -8,8 +8,9 @@ class CommonRequests;
 class Core;
 class ModemFiles;
 
-/// Answers the commands from now on.
-/// Answers the maintenance requests from now on.
-void add_maintenance(Core& core, CommonRequests& requests, ModemFiles& files);
+/// Answers the maintenance requests. All are as long as the handset.
+struct Maintenance {
+    Maintenance(Core& core, CommonRequests& requests, ModemFiles& files);
+};
 
 }  // namespace handset

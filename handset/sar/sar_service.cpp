@@ -36,7 +36,7 @@ private:
 };
 
 SarService::SarService(Core& core, const SarProfile& profile)
-    : QmiService(core, messages::kSar), core_(core), profile_(profile) {
+    : QmiService(core, "sar"), core_(core), profile_(profile) {
     core.control().add_setting("sar", [this](Section& section) {
         SarProfile changed = profile_;
         read_profile(section, changed);

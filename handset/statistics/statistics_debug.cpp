@@ -69,11 +69,16 @@ void read_profile(Section& section, DebugProfile& debug) {
     }
     section.integers("not_supported_logs", debug.not_supported_logs, kLogsMax, UINT16_MAX);
     section.integer("log_num", debug.log_num);
-    if (section.has("raw"))
-        section.bytes("raw", debug.raw.emplace(), kPayloadMax);
+    if (!section.has("raw"))
+        return;
+    for (const char* part : {"version", "main", "diag", "cm", "uim"}) {
+        if (section.has(part))
+            section.fail("raw", std::string("\"") + part + "\" is given already");
+    }
+    section.bytes("raw", debug.raw.emplace(), kPayloadMax);
 }
 
-void add_statistics_debug(Core& core, CommonRequests& requests, const DebugProfile& profile) {
+StatisticsDebug::StatisticsDebug(Core& core, CommonRequests& requests, const DebugProfile& profile) {
     const auto debug = std::make_shared<DebugProfile>(profile);
     const auto show = [&core, debug] {
         core.state().set("debug", "version", debug->version);

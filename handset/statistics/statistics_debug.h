@@ -28,7 +28,9 @@ struct DebugProfile {
 
 void read_profile(Section& section, DebugProfile& debug);
 
-/// Answers the two common requests from now on.
-void add_statistics_debug(Core& core, CommonRequests& requests, const DebugProfile& debug);
+/// Answers the two common requests. All are as long as the handset.
+struct StatisticsDebug {
+    StatisticsDebug(Core& core, CommonRequests& requests, const DebugProfile& debug);
+};
 
 }  // namespace handset

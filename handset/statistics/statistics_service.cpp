@@ -188,7 +188,7 @@ private:
 };
 
 StatisticsService::StatisticsService(Core& core, const StatisticsProfile& profile)
-    : QmiService(core, messages::kStatistics), profile_(profile) {
+    : QmiService(core, "statistics"), profile_(profile) {
     core.control().add_setting("statistics", [this](Section& section) { return read_change(section); });
     core.state().set("statistics", "values", profile_.values.size());
     core.state().set("statistics", "indications", profile_.indications.size());

@@ -26,7 +26,6 @@ enum StatusWords : uint16_t {
     kSwNoChannel = 0x6A81,
     kSwFileNotFound = 0x6A82,
     kSwRecordNotFound = 0x6A83,
-    kSwNoSpace = 0x6A84,
     kSwWrongParameters = 0x6A86,
     kSwNoSuchData = 0x6A88,
     kSwWrongOffset = 0x6B00,

@@ -126,7 +126,6 @@ private:
     uint16_t choose_record(Channel& channel, const Apdu& apdu, size_t& record);
     uint16_t check(size_t place, FileKind kind, bool update) const;
     bool permitted(Access access) const;
-    wire::Bytes fetch(Channel& channel, size_t longest);
     uint16_t kept(uint16_t words) const;
     void start(Channel& channel);
 

@@ -31,22 +31,16 @@ enum UimMessage : uint16_t {
     kUimSwitchSlot = 70,
     kUimGetSlotStatus = 71,
     kUimSlotStatusIndication = 72,
-    kUimRecovery = 97,  // an indication
     kUimGetEid = 101,
 };
 
 /// TLVs; those of a request and of a response are numbered apart.
 enum UimTlv : uint8_t {
     kUimSlot = 0x01,
-    kUimResult = 0x02,
     kUimApdu = 0x02,
     kUimExtendedWanted = 0x10,
-    kUimIgnoreHotswap = 0x10,
-    kUimPowerOption = 0x11,
     kUimApduChannel = 0x10,
-    kUimProcedureBytes = 0x11,
     kUimClosedChannel = 0x11,
-    kUimTerminate = 0x13,
     kUimAid = 0x10,
     kUimFileControlInformation = 0x11,
 

@@ -74,14 +74,16 @@ void read_profile(Section& section, UimProfile& uim) {
     section.list("indications", kIndicationsMax, [&uim](Section& entry) {
         UimIndication& indication = uim.indications.emplace_back();
         entry.require("before");
-        entry.integer("before", indication.before);
+        std::optional<uint32_t> before;
+        read_message(entry, "before", messages::kUim, before);
+        indication.before = static_cast<uint16_t>(before.value_or(0));
         entry.integer("id", indication.id);
         entry.bytes("tlvs", indication.tlvs, UINT16_MAX);
     });
 }
 
 UimService::UimService(Core& core, UimSlots& slots, const UimProfile& profile)
-    : QmiService(core, messages::kUim), profile_(profile), slots_(slots) {
+    : QmiService(core, "uim"), profile_(profile), slots_(slots) {
     wire::Writer status;
     put_slot_status(status, slots_);
     told_slots_ = status.take();

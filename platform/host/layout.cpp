@@ -20,11 +20,6 @@ const char* named_handset_folder() {
     return folder && *folder ? folder : nullptr;
 }
 
-std::string handset_folder() {
-    const char* named = named_handset_folder();
-    return named ? named : default_handset_folder();
-}
-
 std::optional<sockaddr_un> socket_address(const std::string& path) {
     if (path.size() > kSocketPathMax)
         return std::nullopt;

@@ -31,9 +31,6 @@ std::string default_handset_folder();
 /// every call, so that one process can see several handsets.
 const char* named_handset_folder();
 
-/// The named one, or the default.
-std::string handset_folder();
-
 /// The address of the socket at `path`, or nothing when the path is longer than kSocketPathMax.
 std::optional<sockaddr_un> socket_address(const std::string& path);
 

@@ -91,7 +91,8 @@ std::string state_folder() {
     if (geteuid() == 0)
         return "/var/lib/vxk";
     const std::string states = environment("XDG_STATE_HOME");
-    if (!states.empty())
+    // A relative one is to be ignored.
+    if (!states.empty() && states.front() == '/')
         return states + "/vxk";
     const std::string home = environment("HOME");
     return home.empty() ? "" : home + "/.local/state/vxk";

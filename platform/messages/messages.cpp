@@ -3,6 +3,9 @@
 namespace messages {
 namespace {
 
+constexpr uint16_t kSar = 17;
+constexpr uint16_t kStatistics = 65509;
+
 constexpr Service kServices[] = {
     {kUim, "uim", true},
     {kSar, "sar", false},
@@ -236,12 +239,6 @@ const Message* message(uint16_t service, uint16_t id) {
     return find(kMessages, [=](const Message& row) { return row.service == service && row.id == id; });
 }
 
-const Message* message(std::optional<uint16_t> service, std::string_view name) {
-    return find(kMessages, [=](const Message& row) {
-        return row.name == name && service.value_or(row.service) == row.service;
-    });
-}
-
 std::string service_name(uint16_t id) {
     const Service* known = service(id);
     return known != nullptr ? known->name : std::to_string(id);
@@ -293,16 +290,8 @@ const DiagOp* diag_op(uint8_t number) {
     return find(kOps, [number](const DiagOp& row) { return row.number == number; });
 }
 
-const DiagOp* diag_op(std::string_view name) {
-    return find(kOps, [name](const DiagOp& row) { return row.name == name; });
-}
-
 const DiagEvent* diag_event(uint8_t number) {
     return find(kEvents, [number](const DiagEvent& row) { return row.number == number; });
-}
-
-const DiagEvent* diag_event(std::string_view name) {
-    return find(kEvents, [name](const DiagEvent& row) { return row.name == name; });
 }
 
 const char* diag_code_name(wire::View message) {

@@ -14,9 +14,7 @@
 namespace messages {
 
 constexpr uint16_t kUim = 11;
-constexpr uint16_t kSar = 17;
 constexpr uint16_t kExtension = 65508;
-constexpr uint16_t kStatistics = 65509;
 
 /// How a TLV's value is read.
 enum class Form : uint8_t {
@@ -77,8 +75,6 @@ Rows<Message> all_messages();
 const Service* service(uint16_t id);
 const Service* service(std::string_view name);
 const Message* message(uint16_t service, uint16_t id);
-/// Without a service, the first of that name.
-const Message* message(std::optional<uint16_t> service, std::string_view name);
 
 /// The service's name, or its number.
 std::string service_name(uint16_t id);
@@ -135,9 +131,7 @@ struct DiagEvent {
 Rows<DiagOp> diag_ops();
 Rows<DiagEvent> diag_events();
 const DiagOp* diag_op(uint8_t number);
-const DiagOp* diag_op(std::string_view name);
 const DiagEvent* diag_event(uint8_t number);
-const DiagEvent* diag_event(std::string_view name);
 
 /// What the first byte of a diag command or response says; null when it is not known.
 const char* diag_code_name(wire::View message);
