@@ -9,8 +9,8 @@
 
 namespace bench {
 
-/// The size of the packets of an exchange through the library, request and answer: the extension service's
-/// largest.
+/// The size of the packets of an exchange through the library, request and answer: the
+/// extension service's largest.
 constexpr size_t kRequestSize = 536;
 
 /// One exchange through the Linux library with the service of that id, which must answer each request with

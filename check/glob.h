@@ -7,8 +7,8 @@
 
 namespace check {
 
-/// Whether the whole line is what the pattern says; '*' stands for any text, every other character for
-/// itself.
+/// Whether the whole line is what the pattern says; '*' stands for any text, every other
+/// character for itself.
 bool glob_matches(std::string_view pattern, std::string_view line);
 
 /// The text that the pattern's last '*' stands for; the line must match.

@@ -14,8 +14,8 @@ std::vector<std::string> adb_command(const Handset& handset, const std::vector<s
     std::vector<std::string> argv{"adb"};
     if (!handset.serial.empty())
         argv.insert(argv.end(), {"-s", handset.serial});
-    // The shell over there gets one line. Nobody but its own "timeout" ends the tool there when adb is killed
-    // here.
+    // The shell over there gets one line. Nobody but its own "timeout" ends the tool there when adb
+    // is killed here.
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit).count() + 2;
     std::string line = handset.trace.empty() ? "" : "VXK_TRACE=" + shell_quoted(handset.trace) + " ";
     line += "timeout -s KILL " + std::to_string(seconds) + " " + shell_quoted(handset.tool);

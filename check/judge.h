@@ -3,7 +3,6 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "process.h"
 #include "verdicts.h"
@@ -23,8 +22,8 @@ struct Judgement {
     int modem_result = 0;  ///< with which the modem refused; 0 when it did not
 };
 
-/// What a run of the command means. `row` is the command's, null when there is none. `limit` is named in a
-/// reason.
+/// What a run of the command means. `row` is the command's, null when there is none. `limit` is named
+/// in a reason.
 Judgement judge(const Row* row, const Run& run, std::chrono::milliseconds limit);
 
 /// Whether a text stands in a line of the answer; the tool's diagnostics are no part of it.

@@ -19,9 +19,9 @@ struct Run {
     std::chrono::milliseconds duration{0};
 };
 
-/// Runs argv (looked up in PATH) with `settings` ("NAME=VALUE") in its environment and nothing on standard
-/// input. At the time limit, and when this program is interrupted, its whole process group is killed. Any
-/// thread.
+/// Runs argv (looked up in PATH) with `settings` ("NAME=VALUE") in its environment and nothing on
+/// standard input. At the time limit, and when this program is interrupted, its whole process group is
+/// killed. Any thread.
 Run run_process(const std::vector<std::string>& argv, const std::vector<std::string>& settings,
                 std::chrono::milliseconds limit);
 

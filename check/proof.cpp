@@ -1,6 +1,5 @@
 #include "proof.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 

@@ -21,8 +21,8 @@ nlohmann::ordered_json report_json(const std::vector<Step>& steps,
 /// A file for build servers: a suite a handset, a case a step.
 std::string report_junit(const std::vector<Step>& steps, const std::vector<HandsetResults>& handsets);
 
-/// A page that needs nothing but itself: the table, each step's values and output, and measurements as
-/// charts.
+/// A page that needs nothing but itself: the table, each step's values and output, and
+/// measurements as charts.
 std::string report_html(const std::vector<Step>& steps, const std::vector<HandsetResults>& handsets);
 
 /// Text as XML and HTML hold it; characters that neither can hold become '?'.

@@ -22,9 +22,9 @@ enum class Proof {
     kSwitched,    ///< the print switch's file is there, or not, as asked
 };
 
-/// The commands of one shape. Words are those behind "vxk": a number stands for itself, capitals for any
-/// word, "..." behind a word for any number of further ones. Of the rows that fit a command, the first
-/// counts.
+/// The commands of one shape. Words are those behind "vxk": a number stands for itself, capitals
+/// for any word, "..." behind a word for any number of further ones. Of the rows that fit a
+/// command, the first counts.
 struct Row {
     const char* words;
     const char* does;

@@ -1,6 +1,6 @@
-// The libraries below the commands, with arguments that no command gives them and several calls in one
-// process: `u8 call, u8 argument`, what the call below takes, and the modem's records for it, again and
-// again.
+// The libraries below the commands, with arguments that no command gives them and several calls in
+// one process: `u8 call, u8 argument`, what the call below takes, and the modem's records for it,
+// again and again.
 #include "finding.h"
 #include "group7_stats.h"
 #include "group7_unpack.h"

@@ -20,12 +20,12 @@ int kelvra_diag_cmd_send_with_result_by_callback_mode(uint8_t* cmd, int cmd_len,
 int kelvra_diag_cmd_send_with_result_by_dci_mode(uint8_t* cmd, int cmd_len, int time_out, uint8_t* reply_buf,
                                                  int* p_reply_len);
 
-/// Copies the command and starts a detached worker that sends it: over the callback road when diag_work_mode
-/// is 0, else over the DCI road. Responses are only logged. Nothing waits for the worker, which fails in the
-/// log alone. Returns 0, or 1 for a bad command or when memory ran out. Any thread; workers run one at a
-/// time.
+/// Copies the command and starts a detached worker that sends it: over the callback road when
+/// diag_work_mode is 0, else over the DCI road. Responses are only logged. Nothing waits for the worker,
+/// which fails in the log alone. Returns 0, or 1 for a bad command or when memory ran out. Any thread;
+/// workers run one at a time.
 int kelvra_diag_cmd_send_without_result_start_thread(const uint8_t* cmd, int cmd_len, int diag_work_mode);
 
-/// Logs 1 to DIAG_CMD_MAX bytes as one line of upper-case hex; anything else is logged as invalid. Any
-/// thread.
+/// Logs 1 to DIAG_CMD_MAX bytes as one line of upper-case hex; anything else is logged as
+/// invalid. Any thread.
 void kelvra_print_data_with_hex(const uint8_t* data, int len);

@@ -73,8 +73,8 @@ void free_response() {
     g_qcril_diag_rsp_buf.data = nullptr;
 }
 
-// The three below are called under the guard; each returns the name of the block that could not be had, or
-// null.
+// The three below are called under the guard; each returns the name of the block that could not be
+// had, or null.
 
 const char* replace_response(const uint8_t* ptr, int len, const char* block_name) {
     uint8_t* const block = allocate(len);

@@ -1,6 +1,6 @@
-// The extension channel: one generic request and response of a vendor QMI service, by which NV items, files
-// and maintenance commands reach the modem. The connection is made at the first exchange and kept for the
-// process.
+// The extension channel: one generic request and response of a vendor QMI service, by which NV items,
+// files and maintenance commands reach the modem. The connection is made at the first exchange and kept
+// for the process.
 #pragma once
 
 #include <cstdint>
@@ -76,6 +76,6 @@ constexpr int kChannelBadArgument = -101;
 constexpr int kChannelNoClient = -102;
 constexpr int kChannelFailed = -103;
 
-/// The tool's code for a channel result: one of the codes above for a failure; every other value is
-/// unchanged.
+/// The tool's code for a channel result: one of the codes above for a failure; every other
+/// value is unchanged.
 int kelvra_qmi_result_map(int result);

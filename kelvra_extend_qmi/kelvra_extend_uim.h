@@ -24,8 +24,8 @@ bool init_uim_qmi_client();
 /// Releases the client, if there is one. The words above keep their values. Main thread only.
 void uim_qmi_client_recovery();
 
-/// Decodes indication 97 and logs what failed; any other indication is only logged. On the QMI library's
-/// thread.
+/// Decodes indication 97 and logs what failed; any other indication is only logged. On the
+/// QMI library's thread.
 void kelvra_uim_qmi_client_unsol_ind_cb(qmi_client_type client, unsigned int msg_id, void* ind_buf,
                                         unsigned int ind_buf_len, void* cb_data);
 

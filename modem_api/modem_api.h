@@ -1,6 +1,6 @@
-// The client framework of the modem-statistics service ("vs"): a table of clients, one connection a service,
-// the requests of a session, and what the service indicates, as events. It speaks on the Android log, tag
-// "KOLVO".
+// The client framework of the modem-statistics service ("vs"): a table of clients, one connection a
+// service, the requests of a session, and what the service indicates, as events. It speaks on the Android
+// log, tag "KOLVO".
 //
 // Requests, creation and release of clients belong to one thread; callbacks come on the QMI library's.
 #pragma once
@@ -76,12 +76,12 @@ int modem_api_release();
 void modem_api_operational_status_cb(modem_api_qmi_client_e_type type,
                                      modem_api_operational_status_type status);
 
-/// The framework's result for the QMI library's and the response's, on purpose coarse. A null response has
-/// failed.
+/// The framework's result for the QMI library's and the response's, on purpose coarse. A null
+/// response has failed.
 int modem_api_map_qmi_error_to_modem_api(int qmi_client_error, const qmi_response_type_v01* resp);
 
-/// One statistics value of a request or a response. value_len is as sent; at most VS_VALUE_MAX_V01 bytes are
-/// there.
+/// One statistics value of a request or a response. value_len is as sent; at most VS_VALUE_MAX_V01
+/// bytes are there.
 using modem_stats_param_type = vs_entry_v01;
 
 struct modem_stats_param_list {

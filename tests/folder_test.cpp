@@ -89,8 +89,8 @@ void write_log(int priority, const char* fmt, ...) {
     va_end(args);
 }
 
-/// The lines of the log, without the time: "PID TID P TAG: MESSAGE", where PID and TID must be this
-/// process's.
+/// The lines of the log, without the time: "PID TID P TAG: MESSAGE", where PID and TID must
+/// be this process's.
 std::vector<std::string> log_lines(const std::string& path) {
     std::vector<std::string> lines;
     std::ifstream file(path);

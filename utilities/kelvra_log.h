@@ -4,8 +4,8 @@
 //   console      RIL[<function>:<line>]: <message>
 //   system log   SUB[shell][<unit>:<line>] <function>: <message>
 //
-// A source file says once, after its includes, under which unit its lines are logged:
-// KELVRA_LOG_UNIT("name");
+// A source file says once, after its includes, under which unit its lines
+// are logged: KELVRA_LOG_UNIT("name");
 #pragma once
 
 #include <atomic>
@@ -63,8 +63,8 @@ private:
 void kelvra_ril_syslog_dbg(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 void kelvra_ril_syslog_err(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 
-/// Progress and answers that quiet mode silences: printf and puts that print nothing while g_quiet_mode is
-/// set.
+/// Progress and answers that quiet mode silences: printf and puts that print nothing while
+/// g_quiet_mode is set.
 void kelvra_printf(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 void kelvra_puts(const char* line);
 

@@ -1,5 +1,5 @@
-// Numbers in packed little-endian records. Memory need not be aligned; the caller has checked that it is
-// there.
+// Numbers in packed little-endian records. Memory need not be aligned; the caller has checked that
+// it is there.
 #pragma once
 
 #include <cstddef>

@@ -5,8 +5,8 @@
 #include <atomic>
 #include <cstddef>
 
-/// Whether blocks of kolvo_malloc_adv are traced: 1 yes, 0 no, kKolvoTraceUndecided before the first
-/// allocation.
+/// Whether blocks of kolvo_malloc_adv are traced: 1 yes, 0 no, kKolvoTraceUndecided before
+/// the first allocation.
 constexpr int kKolvoTraceUndecided = -1;
 extern std::atomic<int> g_kolvo_mem_trace;
 

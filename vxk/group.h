@@ -55,7 +55,7 @@ int note_too_few_parameters();
 /// Passes a handler's result on. One that is not 0 is printed first, with the group's help.
 int report_result(const Group& group, int result);
 
-/// A handler's wrong number of inputs: prints the note and returns kBadCommandLine. The caller shows the
-/// help.
+/// A handler's wrong number of inputs: prints the note and returns kBadCommandLine. The caller
+/// shows the help.
 int note_need_inputs(int count);
 int note_too_few_inputs();

@@ -152,8 +152,8 @@ void kelvra_smart_test_ap_kolvo_switch(int opt) {
     puts("success, need to reboot");
 }
 
-// A print switch of the modem: a file that holds the mask while the switch is on. The modem reads it when it
-// starts.
+// A print switch of the modem: a file that holds the mask while the switch is on. The modem reads it
+// when it starts.
 struct PrintSwitch {
     const char* name;
     const char* path;

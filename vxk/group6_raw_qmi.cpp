@@ -1,6 +1,5 @@
 // Group 6: any bytes to the extension service, under any request id.
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 #include "groups.h"
@@ -51,8 +50,8 @@ int kelvra_test_qmi_send_data_do(int argc, char** argv) {
     uint8_t req[kDataMax];
     const int count = read_bytes(argc, argv, req);
     uint8_t rsp[kDataMax];
-    // No room for the answer, on purpose: the command shows whether the exchange succeeded, never what came
-    // back.
+    // No room for the answer, on purpose: the command shows whether the exchange succeeded, never
+    // what came back.
     uint32_t rsp_len = 0;
     const int result = kelvra_extend_qmi_send_sync(static_cast<uint32_t>(qmi_id), req, count, rsp, &rsp_len);
     kelvra_printf("qmi_id = %d, result = %d\n", qmi_id, result);

@@ -8,6 +8,6 @@
 /// Ends a line with `count` bytes, each as " %02X".
 void print_hex_line(const uint8_t* bytes, size_t count);
 
-/// An empty line, "data len(%d)" with `len`, and the line of `label` and the bytes: none for a negative
-/// `len`.
+/// An empty line, "data len(%d)" with `len`, and the line of `label` and the bytes: none for
+/// a negative `len`.
 void print_data(const char* label, const uint8_t* bytes, int len);

@@ -1,5 +1,5 @@
-// One "cmn" command to the modem, and its answer printed as it came: what the card status commands are made
-// of.
+// One "cmn" command to the modem, and its answer printed as it came: what the card status commands
+// are made of.
 #pragma once
 
 #include <cstdint>

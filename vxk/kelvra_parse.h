@@ -1,5 +1,5 @@
-// Words of the command line as numbers, and bytes as text. The rules are lenient on purpose: scripts rely on
-// them.
+// Words of the command line as numbers, and bytes as text. The rules are lenient on purpose: scripts
+// rely on them.
 #pragma once
 
 /// A decimal number as atoi reads it, or hexadecimal digits behind "0x" or "0X". A null text prints a line

@@ -43,12 +43,12 @@ void outlive_the_reader() {
 int main(int argc, char** argv) {
     occupy_closed_streams();
     outlive_the_reader();
-    // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill loses no
-    // line.
+    // Line by line, so that a reader sees progress while the tool waits for the modem, and a kill
+    // loses no line.
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     run(argc, argv);
-    // A detached worker may still be printing. What is printed by now goes out whole, and nothing comes after
-    // it.
+    // A detached worker may still be printing. What is printed by now goes out whole, and nothing
+    // comes after it.
     flockfile(stdout);
     fflush(stdout);
     return 0;

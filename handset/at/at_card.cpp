@@ -1,4 +1,3 @@
-#include <algorithm>
 
 #include "at_commands.h"
 #include "at_sim.h"

@@ -1,6 +1,5 @@
 #include "at_channel.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "core.h"

@@ -2,7 +2,6 @@
 // for it.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 

@@ -12,8 +12,8 @@ namespace handset {
 
 class AtNetwork {
 public:
-    /// Puts the network's commands in. `restart` restarts the modem, `report` sends a line that nobody asked
-    /// for.
+    /// Puts the network's commands in. `restart` restarts the modem, `report` sends a line that
+    /// nobody asked for.
     AtNetwork(AtCommands& commands, SimAccess& sim, std::function<void()> restart,
               std::function<void(const std::string& line)> report);
     AtNetwork(const AtNetwork&) = delete;

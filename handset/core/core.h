@@ -90,9 +90,9 @@ public:
     /// Withdraws them: the handset is switched off.
     void stop();
 
-    /// Once the request at hand is answered, the modem goes away with all its connections, and comes back
-    /// after the given time or the profile's. A modem that is away already stays away as long as it would
-    /// have.
+    /// Once the request at hand is answered, the modem goes away with all its connections, and comes
+    /// back after the given time or the profile's. A modem that is away already stays away as long as
+    /// it would have.
     void restart_modem(std::optional<std::chrono::milliseconds> away = {});
     /// False from a request to restart on, until it is done.
     bool is_up() const { return !away_; }

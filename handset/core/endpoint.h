@@ -51,8 +51,8 @@ public:
     /// A packet given to Endpoint::send() that the transport cannot carry and that is lost.
     virtual void sent_too_much(ConnectionId connection, size_t length) = 0;
 
-    /// The client is gone, or does not take what it is sent. The endpoint forgets the connection when this
-    /// returns.
+    /// The client is gone, or does not take what it is sent. The endpoint forgets the connection
+    /// when this returns.
     virtual void closed(ConnectionId connection) = 0;
 };
 

@@ -37,8 +37,8 @@ public:
     const std::string& path() const { return path_; }
     std::string at(const std::string& name) const { return path_ + "/" + name; }
 
-    /// A name for something that is moved to its place when it is complete: on the same disk, new at each
-    /// call.
+    /// A name for something that is moved to its place when it is complete: on the same disk, new
+    /// at each call.
     std::string staging_name();
 
     /// Gives the file the new content as a whole, and its folders where they are missing. Returns 0 or an

@@ -96,8 +96,8 @@ public:
     /// A list of objects, `read` once for each.
     void list(const char* key, size_t longest, const Read& read);
 
-    /// The section itself as an object whose keys are names of the writer's choice and whose values are
-    /// objects.
+    /// The section itself as an object whose keys are names of the writer's choice and whose
+    /// values are objects.
     void each(const ReadNamed& read);
 
     /// A list of whole numbers or texts; it replaces what was there.

@@ -1,8 +1,6 @@
 #include "qmi_service.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <utility>
 
 #include "core.h"
 #include "layout.h"

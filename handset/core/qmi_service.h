@@ -45,8 +45,8 @@ public:
 
     uint16_t id() const { return id_; }
 
-    /// Carries a request out. A message that the service does not have is answered with
-    /// `refusal(kQmiErrorInvalidMessage)`.
+    /// Carries a request out. A message that the service does not have is
+    /// answered with `refusal(kQmiErrorInvalidMessage)`.
     virtual QmiAnswer handle(const QmiRequest& request) = 0;
 
     /// The body of an answer with the given error and nothing else; 0 is success. The standard result, unless

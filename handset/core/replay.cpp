@@ -4,7 +4,6 @@
 #include <optional>
 #include <set>
 #include <tuple>
-#include <utility>
 
 #include "messages.h"
 
@@ -172,8 +171,8 @@ private:
         connections_.erase(closed);
     }
 
-    // A restart has all services away, and nobody who wants one finds it: this time is no delay to be left
-    // out.
+    // A restart has all services away, and nobody who wants one finds it: this time is no delay to
+    // be left out.
     void withdraw(const std::vector<TraceEvent>& trace, size_t i, const Place* after) {
         const TraceEvent& event = trace[i];
         const bool restart = event.kind == TraceEvent::kRestart;

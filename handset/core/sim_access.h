@@ -20,8 +20,8 @@ public:
     SimAccess(const SimAccess&) = delete;
     SimAccess& operator=(const SimAccess&) = delete;
 
-    /// Opens a logical channel to the card of a slot, which is counted from 1, and selects the application on
-    /// it.
+    /// Opens a logical channel to the card of a slot, which is counted from 1, and selects the
+    /// application on it.
     virtual Channel open_channel(uint8_t slot, wire::View aid) = 0;
 
     /// False when the channel is not open.

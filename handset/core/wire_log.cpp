@@ -21,7 +21,6 @@
 
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <ctime>
 
 #include "error.h"

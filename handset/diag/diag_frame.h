@@ -22,8 +22,8 @@ public:
     /// The longest packet, and all that is ever kept of one that does not end.
     static constexpr size_t kPacketMax = 16384;
 
-    /// Takes one byte, and returns the frame that it ends. Nothing is ended by the first of two ends in a
-    /// row.
+    /// Takes one byte, and returns the frame that it ends. Nothing is ended by the first of two ends
+    /// in a row.
     std::optional<DiagFrame> take(uint8_t byte);
 
     void forget() { *this = DiagFrameReader(); }

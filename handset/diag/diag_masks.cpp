@@ -1,7 +1,6 @@
 #include "diag_masks.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace handset {
 namespace {

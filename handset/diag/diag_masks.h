@@ -5,7 +5,6 @@
 //   0x7D message config    ranges, and masks by subsystem, set and read
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <vector>

@@ -15,8 +15,8 @@ namespace handset {
 /// A command has one byte at least; `masks` are those of the client that sent it.
 wire::Bytes answer_diag_command(wire::View command, DiagMasks& masks);
 
-/// The present time as logs and responses carry it: units of 1.25 ms since 6 January 1980 in the upper 48
-/// bits.
+/// The present time as logs and responses carry it: units of 1.25 ms since 6 January 1980 in the
+/// upper 48 bits.
 uint64_t diag_timestamp();
 
 }  // namespace handset

@@ -2,7 +2,6 @@
 
 #include <numeric>
 #include <string>
-#include <utility>
 
 #include "messages.h"
 #include "serving_cell.h"

@@ -3,7 +3,6 @@
 // half there.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "diag_frame.h"

@@ -1,5 +1,5 @@
-// What is installed beside the program, or lies beside it in a build tree: the tool, and profiles ready to
-// use.
+// What is installed beside the program, or lies beside it in a build tree: the tool, and profiles
+// ready to use.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// One handset from boot to power-off: in the foreground until it is told to stop, or around a command or a
-// shell.
+// One handset from boot to power-off: in the foreground until it is told to stop, or around a command
+// or a shell.
 #pragma once
 
 #include <string>
@@ -20,8 +20,8 @@ struct BootOptions {
 /// Status of a run whose handset could not boot, so that it is not taken for the command's own.
 constexpr int kBootFailed = 125;
 
-/// Boots, prints "vxk-handset: ready in DIR", and runs until SIGINT, SIGTERM or SIGHUP. Returns 0; throws
-/// Error.
+/// Boots, prints "vxk-handset: ready in DIR", and runs until SIGINT, SIGTERM or SIGHUP. Returns
+/// 0; throws Error.
 int serve(const BootOptions& options);
 
 /// Boots, in a temporary folder that is removed at the end unless one is named, runs the command with

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 

@@ -8,8 +8,8 @@ namespace handset {
 /// Lives in $TMPDIR, or in /tmp when that is unset or too long for the sockets.
 class TemporaryFolder {
 public:
-    /// Creates the folder, and removes those of this user whose handset was killed before it could. Throws
-    /// Error.
+    /// Creates the folder, and removes those of this user whose handset was killed before it
+    /// could. Throws Error.
     TemporaryFolder();
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;

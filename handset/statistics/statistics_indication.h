@@ -1,5 +1,5 @@
-// What the statistics service says without being asked: the indications that a profile wants, and on what
-// occasion.
+// What the statistics service says without being asked: the indications that a profile wants, and
+// on what occasion.
 #pragma once
 
 #include <cstdint>

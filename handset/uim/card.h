@@ -5,7 +5,6 @@
 #include <array>
 #include <functional>
 #include <optional>
-#include <string>
 
 #include "apdu.h"
 #include "card_files.h"

@@ -20,8 +20,8 @@ class DerReader {
 public:
     explicit DerReader(wire::View bytes) : reader_(bytes) {}
 
-    /// The next object, or nothing at the end and at one that is cut or runs past it; then ok() tells the two
-    /// apart.
+    /// The next object, or nothing at the end and at one that is cut or runs past it; then ok() tells
+    /// the two apart.
     std::optional<DerObject> next();
     bool ok() const { return ok_; }
 

@@ -1,6 +1,6 @@
-// What an eUICC holds: profiles, notifications of what happened to them, and the address of the server that
-// offers more. It lasts: a change is kept before anybody hears of it, and one that cannot be kept has not
-// happened.
+// What an eUICC holds: profiles, notifications of what happened to them, and the address of the server
+// that offers more. It lasts: a change is kept before anybody hears of it, and one that cannot be kept
+// has not happened.
 #pragma once
 
 #include <chrono>

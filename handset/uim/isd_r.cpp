@@ -53,8 +53,8 @@ CardAnswer IsdR::command(uint8_t channel, const Apdu& apdu) {
 }
 
 CardAnswer IsdR::carry_out(wire::View request) {
-    // A profile package comes in pieces that are not whole objects, and only in a session, which there never
-    // is.
+    // A profile package comes in pieces that are not whole objects, and only in a session, which
+    // there never is.
     if (request.size > 2 && request.data[0] == kProfilePackage[0] && request.data[1] == kProfilePackage[1])
         return kSwConditions;
     DerReader reader(request);

@@ -7,7 +7,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -85,9 +84,9 @@ public:
     /// cannot be.
     QmiError switch_slot(uint8_t logical, uint32_t physical);
 
-    /// Something happened in a slot: its card came, went, began anew, or has another state. The slot is 0
-    /// when only a card that is wired to none came or went. `refresh` is true when the card itself asked for
-    /// it.
+    /// Something happened in a slot: its card came, went, began anew, or has another state. The slot is
+    /// 0 when only a card that is wired to none came or went. `refresh` is true when the card itself
+    /// asked for it.
     void on_change(std::function<void(uint8_t slot, bool refresh)> action) {
         change_action_ = std::move(action);
     }

@@ -1,9 +1,9 @@
 // One connection to a service: callers exchange requests and answers, and everything else that arrives is
 // delivered on a thread of the connection's own.
 //
-// A caller that waits for its answer reads the channel itself, so that an answer needs no hop over a second
-// thread; what it finds for others it puts into their hands. The connection's thread reads only while nobody
-// waits.
+// A caller that waits for its answer reads the channel itself, so that an answer needs no hop over a
+// second thread; what it finds for others it puts into their hands. The connection's thread reads only
+// while nobody waits.
 #pragma once
 
 #include <pthread.h>
@@ -67,8 +67,8 @@ public:
 
     bool is_own_thread() const;
 
-    /// Ends the connection: waits for a callback that is running; none comes afterwards. Not on the own
-    /// thread.
+    /// Ends the connection: waits for a callback that is running; none comes afterwards. Not on
+    /// the own thread.
     void close();
 
 private:

@@ -26,8 +26,8 @@ struct ResponseCallback {
     void* context = nullptr;
 };
 
-/// The asynchronous request whose answer may still come. Events do not name a client: they are the last
-/// sender's.
+/// The asynchronous request whose answer may still come. Events do not name a client: they are
+/// the last sender's.
 struct DciRequest {
     int client = 0;
     unsigned char* rsp = nullptr;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr size_t kValueMax = PROPERTY_VALUE_MAX - 1;
 
-// A leading dot is for files being written, a leading dash for options of programs. A slash would leave the
-// folder.
+// A leading dot is for files being written, a leading dash for options of programs. A slash would
+// leave the folder.
 bool is_name(const char* key) {
     return key && *key && !strchr(".-", *key) && !strchr(key, '/') && strlen(key) < NAME_MAX - 32;
 }

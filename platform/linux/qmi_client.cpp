@@ -24,8 +24,8 @@ constexpr uint32_t request_key(uint16_t transaction, uint16_t message) {
     return static_cast<uint32_t>(transaction) << 16 | message;
 }
 
-// A response is told by its first five bytes: one that is cut short behind them is still that request's, and
-// bad.
+// A response is told by its first five bytes: one that is cut short behind them is still that
+// request's, and bad.
 std::optional<uint32_t> answered_request(wire::View packet) {
     const auto head = wire::decode_qmi_head(packet);
     if (!head || head->flags != wire::kQmiResponse)
@@ -173,8 +173,8 @@ qmi_client_error_type make_client(std::unique_ptr<Channel> channel, qmi_idl_serv
                                   qmi_client_ind_cb ind_cb, void* ind_cb_data, qmi_client_type* handle) {
     auto client = std::make_shared<Client>(std::move(channel), service, ind_cb, ind_cb_data);
     clients().add(client);
-    // The first indication may come before this returns, and its callback may use the handle that it is
-    // given.
+    // The first indication may come before this returns, and its callback may use the handle that
+    // it is given.
     *handle = client.get();
     if (client->connection().start())
         return QMI_NO_ERR;

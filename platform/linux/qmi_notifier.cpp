@@ -52,8 +52,8 @@ public:
         return true;
     }
 
-    /// True when any service of `signal` may have changed since the last call; before the first, none was
-    /// there.
+    /// True when any service of `signal` may have changed since the last call; before the first,
+    /// none was there.
     bool have_changed(const qmi_client_os_params* signal, Clock::time_point deadline) {
         const std::lock_guard<std::mutex> lock(mutex_);
         bool any = false;

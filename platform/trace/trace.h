@@ -8,8 +8,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 
 #include "wire.h"
 
@@ -36,8 +34,8 @@ public:
     virtual void gave_up(wire::View request) = 0;
 
     enum class By { kClient, kModem };
-    /// Notes who ended it, and before that the requests that it leaves without an answer. Only the first call
-    /// counts.
+    /// Notes who ended it, and before that the requests that it leaves without an answer. Only the
+    /// first call counts.
     virtual void closed(By by) = 0;
 
     /// Writes the lines of all that is noted, of every connection.

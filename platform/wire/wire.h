@@ -139,12 +139,12 @@ Bytes encode(const QmiPacket& packet);
 /// and is not looked for in `head`. The packet has at most kQmiPacketMax bytes.
 void put_head(const QmiPacket& head, Bytes& packet);
 
-/// The body is a part of `packet`. Nothing when the header is cut short or its length is not that of the
-/// body.
+/// The body is a part of `packet`. Nothing when the header is cut short or its length is not that
+/// of the body.
 std::optional<QmiPacket> decode_qmi(View packet);
 
-/// All but the body, also of a packet that is cut short behind the message id or has another length than it
-/// says.
+/// All but the body, also of a packet that is cut short behind the message id or has another length
+/// than it says.
 std::optional<QmiPacket> decode_qmi_head(View packet);
 
 /// Diag interface: ops of the client, answered with `op | kDiagAnswer`; events of the handset.
@@ -166,8 +166,8 @@ enum DiagOp : uint8_t {
     kDiagAnswer = 0x80
 };
 
-/// The most bytes of one diag packet that either side sends or takes: what a socket with Linux's usual buffer
-/// takes.
+/// The most bytes of one diag packet that either side sends or takes: what a socket with Linux's
+/// usual buffer takes.
 constexpr size_t kDiagPacketMax = 212'992 - 32;
 
 }  // namespace wire
