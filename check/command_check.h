@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "handset.h"
 #include "judge.h"
+#include "target.h"
 
 namespace check {
 

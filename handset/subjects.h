@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "antenna.h"
 #include "at_channel.h"
 #include "cards.h"
 #include "common_request.h"
@@ -72,7 +73,8 @@ struct Subjects {
           diag_responder(core, profile.diag),
           diag(core, diag_responder, profile.diag.streams),
           dm(core, diag_responder, profile.diag.logs),
-          maintenance(core, requests, files),
+          antenna(requests, files),
+          maintenance(core, requests),
           statistics_debug(core, requests, profile.debug) {}
 
     ModemFiles files;
@@ -87,6 +89,7 @@ struct Subjects {
     DiagResponder diag_responder;  // of both ports
     DiagPort diag;
     DmPort dm;
+    Antenna antenna;
     Maintenance maintenance;
     StatisticsDebug statistics_debug;
 };

@@ -7,7 +7,6 @@
 #include "core.h"
 #include "error.h"
 #include "kept_state.h"
-#include "modem_files.h"
 
 namespace handset {
 namespace {
@@ -16,13 +15,6 @@ constexpr uint32_t kReset = 31;  // u32 kind
 constexpr uint32_t kNvSync = 35;
 constexpr uint32_t kResetForRestart = 0x1000;
 constexpr uint32_t kResetForDump = 0x2000;
-
-// The antenna configurations are kept as the numbers that were sent, little-endian:
-//   rf_ant_port_config  u32 count, then each value as u32
-//   ant_tx_config       u32 v_ant, u32 v_sys, u64 v_band_list
-constexpr char kGpioFile[] = "/nv/item_files/modem/kelvra/rf_ant_port_config";
-constexpr char kTxFile[] = "/nv/item_files/modem/antenna/ant_tx_config";
-constexpr uint32_t kGpioValuesMax = 50;
 
 // What is counted in the folder, over all its handsets.
 class Counters {
@@ -83,37 +75,9 @@ CommonAnswer reset(Core& core, Counters& counters, const CommonRequest& request)
     return {};
 }
 
-CommonAnswer keep_in_file(ModemFiles& files, const std::string& path, wire::View content) {
-    const ModemFileName file = files.efs_name(0, path);
-    if (file.result != kModemOk)
-        return {file.result, {}};
-    return {files.write(file.name, content), {}};
-}
-
-CommonAnswer set_gpio(ModemFiles& files, const CommonRequest& request) {
-    wire::Reader reader(request.value);
-    reader.u32();
-    const uint32_t count = reader.u32();
-    const wire::View values = reader.bytes(size_t{4} * std::min(count, kGpioValuesMax));
-    if (!reader.ok() || count > kGpioValuesMax)
-        return {kModemMalformed, {}};
-    wire::Writer content;
-    content.u32(count).bytes(values);
-    return keep_in_file(files, kGpioFile, content.data());
-}
-
-CommonAnswer set_tx_antenna(ModemFiles& files, const CommonRequest& request) {
-    wire::Reader reader(request.value);
-    reader.u32();
-    const wire::View content = reader.bytes(16);
-    if (!reader.ok())
-        return {kModemMalformed, {}};
-    return keep_in_file(files, kTxFile, content);
-}
-
 }  // namespace
 
-Maintenance::Maintenance(Core& core, CommonRequests& requests, ModemFiles& files) {
+Maintenance::Maintenance(Core& core, CommonRequests& requests) {
     const auto counters = std::make_shared<Counters>(core);
     requests.add(CommonForm::kTlv, kReset,
                  [&core, counters](const CommonRequest& request) { return reset(core, *counters, request); });
@@ -121,10 +85,6 @@ Maintenance::Maintenance(Core& core, CommonRequests& requests, ModemFiles& files
         counters->nv_sync();
         return CommonAnswer();
     });
-    requests.add(CommonForm::kGpio, 0,
-                 [&files](const CommonRequest& request) { return set_gpio(files, request); });
-    requests.add(CommonForm::kTxAntenna, 1,
-                 [&files](const CommonRequest& request) { return set_tx_antenna(files, request); });
 }
 
 }  // namespace handset

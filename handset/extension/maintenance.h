@@ -1,16 +1,14 @@
-// What the modem does for maintenance commands: restart, full dump, NV sync, and the antenna configurations
-// that it keeps in its files.
+// What the modem does for maintenance commands: restart, full dump, NV sync.
 #pragma once
 
 namespace handset {
 
 class CommonRequests;
 class Core;
-class ModemFiles;
 
 /// Answers the maintenance requests. All are as long as the handset.
 struct Maintenance {
-    Maintenance(Core& core, CommonRequests& requests, ModemFiles& files);
+    Maintenance(Core& core, CommonRequests& requests);
 };
 
 }  // namespace handset

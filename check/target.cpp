@@ -1,4 +1,4 @@
-#include "handset.h"
+#include "target.h"
 
 #include <csignal>
 
