@@ -83,16 +83,25 @@ class Handset:
                 client.connect(str(self.folder / "qmi/65508"))
                 client.send(struct.pack("<BHHH", 0, 1, 2, len(body)) + body)
                 if len(client.recv(65536)) < 400:
-                    raise Failed("the beginning of a file is not read")
+                    raise ConnectionError("the beginning of a file is not read")
+
+    def unrest(self, descriptors: int) -> str:
+        """What says that it is not at rest. A restart that was asked for last may still take the services away."""
+        if self.modem("state") != "up" or self.descriptors() > descriptors:
+            return f"modem {self.modem('state')}, {self.descriptors()} descriptors, {descriptors} before"
+        try:
+            self.leave_in_the_middle()
+        except OSError as error:
+            return str(error)
+        return ""
 
     def complaints(self, descriptors: int, memory: int) -> list[str]:
         """What it still holds after it has come to rest."""
         deadline = time.monotonic() + 5 * SLOWNESS
-        while self.modem("state") != "up" or self.descriptors() > descriptors:
+        while error := self.unrest(descriptors):
             if time.monotonic() > deadline:
-                return [f"modem {self.modem('state')}, {self.descriptors()} descriptors, {descriptors} before"]
+                return [error]
             time.sleep(0.05)
-        self.leave_in_the_middle()
         found = [str(path) for path in self.folder.rglob("*") if path.is_file() and not path.is_socket()]
         left = [path for path in found if Path(path).relative_to(self.folder).parts[0] not in KEPT]
         complaints = [f"files are left: {left}"] if left else []
