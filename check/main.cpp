@@ -225,8 +225,9 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         const int status = run(argc, argv);
-        if (fflush(stdout) != 0 || ferror(stdout) != 0)
-            return complain(std::string("cannot write to standard output: ") + strerror(errno));
+        const int error = fflush(stdout) != 0 ? errno : ferror(stdout) != 0 ? EIO : 0;
+        if (error != 0)
+            return complain(std::string("cannot write to standard output: ") + strerror(error));
         return status;
     } catch (const std::exception& error) {
         return complain(error.what());

@@ -1,4 +1,3 @@
-
 #include "at_commands.h"
 #include "at_sim.h"
 #include "hex_text.h"

@@ -25,12 +25,6 @@ uint64_t KeptState::number(const std::string& key, uint64_t otherwise) const {
     return number;
 }
 
-uint64_t KeptState::count_up(const std::string& key) {
-    const uint64_t count = number(key, 0) + 1;
-    keep(key, count);
-    return count;
-}
-
 void KeptState::keep(const std::string& key, uint64_t number) {
     auto lines = lines_;
     lines[key] = std::to_string(number);
@@ -41,6 +35,12 @@ void KeptState::keep(const std::string& key, uint64_t number) {
     if (const int error = folder_.replace(path, text))
         return complain(system_error("cannot write " + path, error).what());
     lines_ = std::move(lines);
+}
+
+uint64_t KeptState::count_up(const std::string& key) {
+    const uint64_t count = number(key, 0) + 1;
+    keep(key, count);
+    return count;
 }
 
 }  // namespace handset

@@ -15,8 +15,8 @@ public:
     /// Reads what an earlier handset in this folder has kept for the subject.
     KeptState(Folder& folder, std::string subject);
 
-    /// The value of a key; `otherwise` when nothing was kept or it is of another type. Keys and texts have no
-    /// blanks or line breaks.
+    /// The value of a key; `otherwise` when nothing was kept or it is no number. A key has no blanks or
+    /// line breaks.
     uint64_t number(const std::string& key, uint64_t otherwise) const;
 
     /// Keep the value: when this returns it is on the disk, or all is as it was and a line says why.

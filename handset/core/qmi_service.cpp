@@ -110,7 +110,7 @@ wire::Writer qmi_result(uint32_t error) {
 }
 
 QmiService::QmiService(Core& core, const char* name)
-    : id_(messages::service(std::string_view(name))->id), port_(std::make_unique<QmiPort>(core, *this)) {
+    : id_(messages::service(name)->id), port_(std::make_unique<QmiPort>(core, *this)) {
     core.add_service(id_, [this](uint16_t message, const wire::Bytes& tlvs) { indicate(message, tlvs); });
 }
 

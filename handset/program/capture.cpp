@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,10 +49,7 @@ Printed run_program(std::vector<std::string> words, bool aloud) {
     if (child < 0)
         throw system_error("cannot run " + words[0], errno);
     if (child == 0) {
-        // It dies with this process, as the command of a run does.
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (getppid() != parent)
-            _exit(EXIT_FAILURE);
+        die_with(parent);
         dup2(pipes[0][1], STDOUT_FILENO);
         dup2(pipes[1][1], STDERR_FILENO);
         execvp(arguments[0], arguments.data());

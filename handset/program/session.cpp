@@ -147,10 +147,7 @@ int start(std::vector<std::string> command, const sigset_t& mask, const ClosedPi
     child = fork();
     int error = child < 0 ? errno : 0;
     if (child == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        // Nobody will send the signal for a parent that was gone before it was asked for.
-        if (getppid() != parent)
-            _exit(EXIT_FAILURE);
+        die_with(parent);
         sigprocmask(SIG_SETMASK, &mask, nullptr);
         pipes.restore();
         execvp(arguments[0], arguments.data());
@@ -217,6 +214,13 @@ int run_in(const std::string& folder, const BootOptions& options, const std::vec
 }
 
 }  // namespace
+
+void die_with(pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // Nobody will send the signal for a parent that was gone before it was asked for.
+    if (getppid() != parent)
+        _exit(EXIT_FAILURE);
+}
 
 int serve(const BootOptions& options) {
     const ClosedPipes pipes;

@@ -2,6 +2,8 @@
 // or a shell.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -33,5 +35,8 @@ int run_command(const BootOptions& options, const std::vector<std::string>& comm
 
 /// The same with the person's own shell, and a word on what to try.
 int run_shell(const BootOptions& options);
+
+/// In a child that was just forked: it is killed when `parent`, which forked it, is gone.
+void die_with(pid_t parent);
 
 }  // namespace handset

@@ -117,7 +117,7 @@ std::optional<sockaddr_un> FolderRoad::address_of(uint32_t service_id) const {
 
 // Another file at the same place is another handset. A socket that was listened to and is still the same is
 // not asked again, so that a waiting client does not keep the handset busy.
-Road::Instances FolderRoad::look(uint32_t service_id, const Instances& known, Clock::time_point) {
+Road::Instances FolderRoad::look(uint32_t service_id, const Instances& known) {
     struct stat status;
     if (stat((folder_ + "/" + host::qmi_place(service_id)).c_str(), &status) != 0)
         return {};

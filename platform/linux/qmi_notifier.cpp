@@ -13,10 +13,6 @@ namespace seam {
 
 namespace {
 
-// What one look may take when its caller has no limit: a service that is stopped, and whose queue of
-// connections is full, accepts nobody.
-constexpr std::chrono::seconds kLookLimit{1};
-
 bool are_same(const Road::Instances& some, const Road::Instances& others) {
     return std::equal(some.begin(), some.end(), others.begin(), others.end(),
                       [](const auto& one, const auto& other) {
@@ -54,13 +50,13 @@ public:
 
     /// True when any service of `signal` may have changed since the last call; before the first,
     /// none was there.
-    bool have_changed(const qmi_client_os_params* signal, Clock::time_point deadline) {
+    bool have_changed(const qmi_client_os_params* signal) {
         const std::lock_guard<std::mutex> lock(mutex_);
         bool any = false;
         for (const auto& notifier : notifiers_) {
             if (notifier->signal != signal)
                 continue;
-            auto now = modem()->road->look(notifier->service_id, notifier->last, deadline);
+            auto now = modem()->road->look(notifier->service_id, notifier->last);
             any |= !are_same(now, notifier->last);
             notifier->last = std::move(now);
         }
@@ -133,7 +129,7 @@ extern "C" qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_obj
                                                              unsigned int* num_services) {
     if (!service || !num_services)
         return QMI_INTERNAL_ERR;
-    const auto found = seam::modem()->road->look(service->service_id, {}, Clock::now() + seam::kLookLimit);
+    const auto found = seam::modem()->road->look(service->service_id, {});
     *num_services = static_cast<unsigned>(found.size());
     const unsigned stored = array && num_entries ? std::min(*num_entries, *num_services) : 0;
     std::copy_n(found.begin(), stored, array);
@@ -149,16 +145,16 @@ extern "C" int qmi_cci_os_signal_wait(qmi_client_os_params* signal, unsigned int
     if (!signal)
         return QMI_INTERNAL_ERR;
     const bool is_endless = timeout_ms == 0;
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
+    const auto deadline =
+        is_endless ? Clock::time_point::max() : Clock::now() + std::chrono::milliseconds(timeout_ms);
     for (;;) {
         const auto now = Clock::now();
-        const auto limit = is_endless ? now + seam::kLookLimit : deadline;
-        if (notifiers().have_changed(signal, limit))
+        if (notifiers().have_changed(signal))
             return QMI_NO_ERR;
         if (is_endless)
             notifiers().explain_wait(signal);
         else if (now >= deadline)
             return QMI_TIMEOUT_ERR;
-        seam::modem()->road->wait_for_change(notifiers().services(signal), limit);
+        seam::modem()->road->wait_for_change(notifiers().services(signal), deadline);
     }
 }

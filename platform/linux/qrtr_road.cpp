@@ -221,7 +221,7 @@ std::shared_ptr<QrtrRoad::Lookup> QrtrRoad::lookup(uint32_t service_id) {
     return lookup;
 }
 
-Road::Instances QrtrRoad::look(uint32_t service_id, const Instances&, Clock::time_point) {
+Road::Instances QrtrRoad::look(uint32_t service_id, const Instances&) {
     std::vector<QrtrNews> servers;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -269,8 +269,8 @@ std::unique_ptr<Channel> QrtrRoad::channel_to(uint32_t service_id, const QrtrAdd
 }
 
 std::unique_ptr<Channel> QrtrRoad::open(uint32_t service_id, const qmi_service_info* instance,
-                                        Clock::time_point deadline) {
-    const Instances found = instance ? Instances{*instance} : look(service_id, {}, deadline);
+                                        Clock::time_point) {
+    const Instances found = instance ? Instances{*instance} : look(service_id, {});
     return found.empty() ? nullptr : channel_to(service_id, address_of(found.front()));
 }
 

@@ -21,7 +21,7 @@ public:
     ~QrtrRoad() override;
 
     /// The kernel's name service is waited for, however early the deadline is: it always answers.
-    Instances look(uint32_t service_id, const Instances& known, Clock::time_point deadline) override;
+    Instances look(uint32_t service_id, const Instances& known) override;
     void wait_for_change(const std::vector<uint32_t>& service_ids, Clock::time_point deadline) override;
     std::unique_ptr<Channel> open(uint32_t service_id, const qmi_service_info* instance,
                                   Clock::time_point deadline) override;

@@ -78,9 +78,9 @@ public:
 
     virtual ~Road() = default;
 
-    /// The published instances of a service, the preferred one first. `known` is what an earlier look told:
-    /// what is still in place as it was need not be asked again.
-    virtual Instances look(uint32_t service_id, const Instances& known, Clock::time_point deadline) = 0;
+    /// The published instances of a service, the preferred one first, without waiting for one. `known` is
+    /// what an earlier look told: what is still in place as it was need not be asked again.
+    virtual Instances look(uint32_t service_id, const Instances& known) = 0;
 
     /// Waits until another look at the services may tell something else. May return before the deadline.
     virtual void wait_for_change(const std::vector<uint32_t>& service_ids, Clock::time_point deadline) = 0;
