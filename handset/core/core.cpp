@@ -1,5 +1,7 @@
 #include "core.h"
 
+#include <utility>
+
 #include "error.h"
 #include "hex_text.h"
 #include "messages.h"
@@ -34,7 +36,11 @@ Core::Core(EventLoop& loop, const std::string& folder, const ModemProfile& modem
         wire_log_.flush_records();
         return std::string();
     });
-    control_.add_event("restart", "", [this](const Control::Words&) { restart_modem(); });
+    control_.add_event("restart", "", [this](const Control::Words&) {
+        // No answer is waited for: like every event it has happened when its command ends.
+        if (!std::exchange(away_, true))
+            go_away(modem_.restart_time);
+    });
     control_.add_event("indication", "SERVICE ID TLVS",
                        [this](const Control::Words& words) { indicate(words); });
     control_.add_setting("modem", [this](Section& section) {
@@ -136,9 +142,8 @@ void Core::stop() {
 }
 
 void Core::restart_modem(std::optional<std::chrono::milliseconds> away) {
-    if (away_)
+    if (std::exchange(away_, true))
         return;
-    away_ = true;
     // The answer to the request that asked for it is sent when its handler returns.
     loop_.after(EventLoop::Milliseconds(0),
                 [this, time = away.value_or(modem_.restart_time)] { go_away(time); });

@@ -178,6 +178,11 @@ of its command is done. A fault that was never met is named when the handset sto
   vxk-handset: the TLVs are bytes in hexadecimal, "01 02 FF"
   vxk-handset: no event "hop"; there are indication, pull, push, restart
   [1]
+  $ vxk-handset event restart; show modem
+  modem
+    state     restarting
+    restarts  1
+  
   $ halt; cat "$VXK_HANDSET_DIR.err"
   vxk-handset: a fault was never met: extension efs_read: close
   $ vxk-handset event restart
