@@ -37,7 +37,7 @@ Result check_command(const Handset& handset, const std::vector<std::string>& wor
     Result result;
     result.command = words;
     const Row* row = find_row(words);
-    if (rules.verify && row && row->proof == Proof::kNone) {
+    if (rules.verify && row != nullptr && row->proof == Proof::kNone) {
         result.judgement.verdict = Verdict::kRefused;
         result.judgement.reason = "nothing can be read back after " + command_text(words);
         return result;

@@ -140,7 +140,7 @@ Judgement failed(Verdict verdict, std::string reason) {
 Judgement judge_lines(const Row* row, const Lines& lines, const Lines& errors) {
     if (const std::string* line = find_line(lines, refusals()))
         return failed(Verdict::kRefused, note_text(*line));
-    if (!row)
+    if (row == nullptr)
         return failed(Verdict::kRefused, "the tool has no such command");
     // The one line that the tool writes there and that is no trouble says what it waits for.
     for (const std::string& line : errors)
@@ -151,7 +151,8 @@ Judgement judge_lines(const Row* row, const Lines& lines, const Lines& errors) {
     judgement.modem_result = last_modem_result(lines);
     const std::string complaint = row->values.read(lines, judgement.values);
     const std::string* failure = find_line(lines, row->failure);
-    const bool succeeded = row->success.empty() ? !failure : find_line(lines, row->success) != nullptr;
+    const bool succeeded =
+        row->success.empty() ? failure == nullptr : find_line(lines, row->success) != nullptr;
     if (succeeded && complaint.empty() && !lines.empty())
         return judgement;
     judgement.verdict = Verdict::kFailure;
@@ -161,7 +162,8 @@ Judgement judge_lines(const Row* row, const Lines& lines, const Lines& errors) {
         judgement.reason = "the tool printed nothing";
     else
         judgement.reason =
-            why(lines, failure ? note_text(*failure) : "the success line is missing", judgement.modem_result);
+            why(lines, failure != nullptr ? note_text(*failure) : "the success line is missing",
+                judgement.modem_result);
     return judgement;
 }
 

@@ -100,7 +100,7 @@ std::vector<Step> read_plan(const std::string& path) {
         if (words.empty())
             continue;
         steps.push_back(step_of(words, path, number));
-        if (!find_row(steps.back().words))
+        if (find_row(steps.back().words) == nullptr)
             wrong(path, number, "the tool has no command " + command_text(steps.back().words));
     }
     if (file.bad())
@@ -125,7 +125,7 @@ std::vector<HandsetResults> run_plan(const std::vector<Handset>& handsets, const
                     step_rules.expect = step.expect;
                 // What cannot be proven is not refused for the sake of the steps that can.
                 const Row* row = find_row(step.words);
-                step_rules.verify = rules.verify && row && row->proof != Proof::kNone;
+                step_rules.verify = rules.verify && row != nullptr && row->proof != Proof::kNone;
                 Result result = check_command(handsets[i], step.words, step_rules);
                 if (interrupted() != 0)
                     return;

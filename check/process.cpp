@@ -94,7 +94,7 @@ std::vector<char*> pointers(const std::vector<std::string>& words) {
 
 std::vector<std::string> environment_with(const std::vector<std::string>& settings) {
     std::vector<std::string> environment;
-    for (char** entry = environ; *entry; ++entry) {
+    for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string text = *entry;
         const std::string name = text.substr(0, text.find('=') + 1);
         const bool replaced = std::any_of(
@@ -198,7 +198,7 @@ void sleep_until(Clock::time_point time) {
 
 std::string signal_name(int signal) {
     const char* const name = sigabbrev_np(signal);
-    return name ? std::string("SIG") + name : "signal " + std::to_string(signal);
+    return name != nullptr ? std::string("SIG") + name : "signal " + std::to_string(signal);
 }
 
 }  // namespace check

@@ -210,7 +210,7 @@ std::string read_measurements(const Lines& lines, Json& values) {
             line.substr(start),
             [](const std::string& name, const std::string& value, Json& into) {
                 const char* const unit = unit_of(name);
-                into[name] = {{"value", number(value)}, {"unit", unit ? Json(unit) : Json()}};
+                into[name] = {{"value", number(value)}, {"unit", unit != nullptr ? Json(unit) : Json()}};
             },
             values["measurements"]);
     }

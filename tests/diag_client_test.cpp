@@ -22,8 +22,8 @@ std::vector<std::string> g_calls;
 
 void note(const std::string& what, const unsigned char* ptr, int len) {
     const std::lock_guard<std::mutex> lock(g_mutex);
-    g_calls.push_back(what + (ptr ? "" : " null"));
-    for (int i = 0; ptr && i < len; ++i)
+    g_calls.push_back(what + (ptr != nullptr ? "" : " null"));
+    for (int i = 0; ptr != nullptr && i < len; ++i)
         g_calls.back() += " " + std::to_string(ptr[i]);
 }
 
@@ -44,7 +44,7 @@ int on_response(unsigned char* ptr, int len, void* context) {
     return 0;
 }
 void on_dci(unsigned char* ptr, int len, void* data) {
-    note(data ? "data" : "dci", ptr, len);
+    note(data != nullptr ? "data" : "dci", ptr, len);
 }
 void on_log(unsigned char* ptr, int len) {
     note("log", ptr, len);

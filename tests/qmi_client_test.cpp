@@ -70,7 +70,8 @@ void on_indication(qmi_client_type, unsigned message, void* buf, unsigned len, v
         callbacks->is_held = true;
         callbacks->hold.get_future().wait();
     }
-    callbacks->add("ind " + std::to_string(message) + " " + std::to_string(len) + (buf ? "" : " null"));
+    callbacks->add("ind " + std::to_string(message) + " " + std::to_string(len) +
+                   (buf != nullptr ? "" : " null"));
 }
 
 void on_error(qmi_client_type, qmi_client_error_type error, void* data) {

@@ -48,7 +48,7 @@ Data typed_data(int argc, char** argv) {
 }
 
 int sub_id_of(char** argv) {
-    return atoi(argv[3]) != 0;
+    return atoi(argv[3]) != 0 ? 1 : 0;
 }
 int path_len_of(char** argv) {
     return static_cast<int>(strlen(argv[4]));

@@ -135,7 +135,7 @@ int kelvra_cmn_card_status_cmd(int command, int param_count, int argc, char** ar
     Payload payload;
     kelvra_printf("param(cnt: %d):\n", param_count);
     for (int i = 0; i < param_count; ++i) {
-        const int flag = atoi(argv[kFirstParam + i]) != 0;
+        const int flag = atoi(argv[kFirstParam + i]) != 0 ? 1 : 0;
         payload.set(i, flag);
         kelvra_printf(" %d", flag);
     }

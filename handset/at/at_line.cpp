@@ -86,7 +86,7 @@ std::string normal_at_text(std::string_view text) {
     std::string normal;
     bool quoted = false;
     for (const char c : text) {
-        quoted ^= c == '"';
+        quoted = quoted != (c == '"');
         if (quoted || c != ' ')
             normal += quoted ? c : capital(c);
     }
@@ -140,7 +140,7 @@ std::optional<AtCommand> AtParser::next_extended() {
         bool quoted = false;
         size_t size = 0;
         for (; size < left_.size() && (quoted || left_[size] != ';'); ++size)
-            quoted ^= left_[size] == '"';
+            quoted = quoted != (left_[size] == '"');
         command.value = left_.substr(0, size);
         left_.remove_prefix(size);
         if (command.value == "?") {

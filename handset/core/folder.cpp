@@ -30,7 +30,7 @@ struct flock whole_file_lock() {
 
 std::string default_folder() {
     const char* named = host::named_handset_folder();
-    return named ? resolved_folder(named) : host::default_handset_folder();
+    return named != nullptr ? resolved_folder(named) : host::default_handset_folder();
 }
 
 std::string resolved_folder(const std::string& path) {

@@ -17,7 +17,7 @@ std::string default_handset_folder() {
 
 const char* named_handset_folder() {
     const char* folder = getenv("VXK_HANDSET_DIR");
-    return folder && *folder ? folder : nullptr;
+    return folder != nullptr && *folder != '\0' ? folder : nullptr;
 }
 
 std::optional<sockaddr_un> socket_address(const std::string& path) {

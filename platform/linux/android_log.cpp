@@ -32,7 +32,7 @@ __attribute__((format(printf, 3, 0))) bool log_message(char priority, const char
                                                        va_list args) {
     constexpr size_t kHead = LogMessage::kHeadMax;
     const int callers_errno = errno;
-    LogMessage message{{}, priority, tag ? tag : "", nullptr, 0};
+    LogMessage message{{}, priority, tag != nullptr ? tag : "", nullptr, 0};
     gettimeofday(&message.time, nullptr);
     char usual[kHead + 1024];
     va_list again;

@@ -106,7 +106,7 @@ Connection::Outcome Connection::exchange(wire::View packet, uint32_t key, Millis
         return Outcome::kEnded;
     Request request{key, false, {}};
     open_.push_back(&request);
-    if (!reader_)
+    if (reader_ == nullptr)
         start_reading(request);
     lock.unlock();
     if (trace_)
@@ -156,7 +156,7 @@ Connection::Outcome Connection::send(wire::View packet, Deadline& deadline) {
 void Connection::wait_for_answer(Request& request, Deadline& deadline, std::unique_lock<std::mutex>& lock) {
     bool is_late = false;
     while (!request.is_answered && !has_ended_ && !is_closed_ && !is_late) {
-        if (!reader_)
+        if (reader_ == nullptr)
             start_reading(request);
         const bool must_wait = events_.size() >= kEventsMax && !is_own_thread();
         if (reader_ == &request && !must_wait) {
@@ -326,17 +326,19 @@ void Connection::sleep_until_something_happens(std::unique_lock<std::mutex>& loc
     if (count == 0) {
         if (!is_burst_ || std::exchange(was_read_, false))
             return;
-        if (!reader_) {
+        if (reader_ == nullptr) {
             is_burst_ = false;
             return set_watched(true);
         }
-    } else if (!reader_) {
+    } else if (reader_ == nullptr) {
         Deadline at_once{Milliseconds(0)};
         return take(receive(at_once));
     }
     // A caller reads, and has for a while; or the channel ended, or was readable just before the caller took
     // it over: it reads on.
-    const auto may_go_on = [this] { return !reader_ || is_closed_ || has_ended_ || !events_.empty(); };
+    const auto may_go_on = [this] {
+        return reader_ == nullptr || is_closed_ || has_ended_ || !events_.empty();
+    };
     if (trace_)
         changed_.wait_for(lock, Milliseconds(kQuietTime), may_go_on);
     else

@@ -170,7 +170,7 @@ void Diag::deliver_response(wire::Bytes& event) {
         if (found != callbacks_.end())
             callback = found->second;
     }
-    if (callback.cb)
+    if (callback.cb != nullptr)
         callback.cb(event.data() + kHead, static_cast<int>(event.size() - kHead), callback.context);
 }
 
@@ -185,13 +185,13 @@ void Diag::deliver_dci(wire::Bytes& event) {
     }
     unsigned char* bytes = event.data() + 1;
     const size_t size = event.size() - 1;
-    if (event[0] == wire::kDiagEventDciResponse && request.cb) {
+    if (event[0] == wire::kDiagEventDciResponse && request.cb != nullptr) {
         const size_t taken = std::min(size, request.rsp_len);
         std::copy_n(bytes, taken, request.rsp);
         request.cb(request.rsp, static_cast<int>(taken), request.data);
-    } else if (event[0] == wire::kDiagEventLog && streams.logs) {
+    } else if (event[0] == wire::kDiagEventLog && streams.logs != nullptr) {
         streams.logs(bytes, static_cast<int>(size));
-    } else if (event[0] == wire::kDiagEventEvent && streams.events) {
+    } else if (event[0] == wire::kDiagEventEvent && streams.events != nullptr) {
         streams.events(bytes, static_cast<int>(size));
     }
 }
@@ -230,14 +230,14 @@ extern "C" void diag_register_remote_callback(diag_response_cb cb, int proc, voi
 }
 
 extern "C" void diag_has_remote_device(uint16_t* remote_mask) {
-    if (!remote_mask)
+    if (remote_mask == nullptr)
         return;
     const auto reply = diag().ask(wire::kDiagRemoteMask, {});
     *remote_mask = reply ? reply->fields().u16() : 0;
 }
 
 extern "C" int diag_callback_send_data(int proc, unsigned char* buf, int len) {
-    if (!buf || len < 0)
+    if (buf == nullptr || len < 0)
         return seam::kSendFailed;
     wire::Writer payload;
     payload.i32(proc).bytes(seam::bytes_of(buf, len));
@@ -252,7 +252,7 @@ extern "C" void diag_switch_logging(int mode, char*) {
 }
 
 extern "C" int diag_register_dci_client(int* client_id, uint16_t* list, int proc, void*) {
-    if (!client_id || !list)
+    if (client_id == nullptr || list == nullptr)
         return kDciLost;
     wire::Writer payload;
     payload.u16(*list).i32(proc);
@@ -271,7 +271,7 @@ extern "C" int diag_register_dci_signal_data(int client_id, int signal_type) {
 }
 
 extern "C" int diag_get_dci_support_list_proc(int proc, uint16_t* list) {
-    if (!list)
+    if (list == nullptr)
         return kDciLost;
     wire::Writer payload;
     payload.i32(proc);
@@ -298,7 +298,7 @@ extern "C" int diag_register_dci_stream_proc(int client_id, void (*logs)(unsigne
 extern "C" int diag_send_dci_async_req(int client_id, unsigned char* buf, int len, unsigned char* rsp,
                                        int rsp_len, void (*cb)(unsigned char* ptr, int len, void* data_ptr),
                                        void* data_ptr) {
-    if (!buf || len < 0 || !rsp || rsp_len < 0)
+    if (buf == nullptr || len < 0 || rsp == nullptr || rsp_len < 0)
         return kDciLost;
     // The response may come before the answer.
     const auto before = diag().set_request({client_id, rsp, static_cast<size_t>(rsp_len), cb, data_ptr});
@@ -311,7 +311,7 @@ extern "C" int diag_send_dci_async_req(int client_id, unsigned char* buf, int le
 }
 
 extern "C" int diag_release_dci_client(int* client_id) {
-    if (!client_id)
+    if (client_id == nullptr)
         return kDciLost;
     int result = DIAG_DCI_NO_ERROR;
     if (diag().is_open()) {

@@ -80,7 +80,7 @@ private:
 
 std::string environment(const char* name) {
     const char* value = getenv(name);
-    return value ? value : "";
+    return value != nullptr ? value : "";
 }
 
 /// Empty when the machine tells no place.

@@ -82,7 +82,7 @@ void choose(Choice& choice) {
 }
 
 bool is_same(const std::string& before, const char* now) {
-    return now ? before == now : before.empty();
+    return now != nullptr ? before == now : before.empty();
 }
 
 }  // namespace
@@ -97,7 +97,7 @@ std::shared_ptr<Modem> modem() {
     if (last->modem && is_same(last->words, words) && is_same(last->folder, folder) &&
         !(last->is_default_bus && has_default_folder()))
         return last->modem;
-    Choice now{words ? words : "", folder ? folder : "", false, nullptr};
+    Choice now{words != nullptr ? words : "", folder != nullptr ? folder : "", false, nullptr};
     choose(now);
     *last = std::move(now);
     return last->modem;

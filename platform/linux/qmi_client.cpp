@@ -98,7 +98,7 @@ private:
 
     void indicate(wire::Bytes& bytes) {
         const auto packet = wire::decode_qmi(bytes);
-        if (!packet || packet->flags != wire::kQmiIndication || !ind_cb_)
+        if (!packet || packet->flags != wire::kQmiIndication || ind_cb_ == nullptr)
             return;
         ind_cb_(this, packet->message, bytes.data() + wire::kQmiHeaderSize,
                 static_cast<unsigned>(packet->body.size), ind_cb_data_);
@@ -114,7 +114,7 @@ private:
             data = error_cb_data_;
             is_loss_told_ |= error_cb != nullptr;
         }
-        if (error_cb)
+        if (error_cb != nullptr)
             error_cb(this, QMI_SERVICE_ERR, data);
     }
 
@@ -184,12 +184,12 @@ qmi_client_error_type make_client(std::unique_ptr<Channel> channel, qmi_idl_serv
 }
 
 void zero(void* bytes, size_t size) {
-    if (bytes)
+    if (bytes != nullptr)
         memset(bytes, 0, size);
 }
 
 bool holds(const void* structure, size_t size, const qmi_idl_message& message) {
-    return size >= message.c_struct_len && (structure || message.c_struct_len == 0);
+    return size >= message.c_struct_len && (structure != nullptr || message.c_struct_len == 0);
 }
 
 }  // namespace
@@ -203,7 +203,7 @@ extern "C" qmi_client_error_type qmi_client_init(qmi_service_info* instance,
                                                  qmi_idl_service_object_type service,
                                                  qmi_client_ind_cb ind_cb, void* ind_cb_data,
                                                  qmi_client_os_params*, qmi_client_type* client) {
-    if (!instance || !service || !client)
+    if (instance == nullptr || service == nullptr || client == nullptr)
         return QMI_INTERNAL_ERR;
     *client = nullptr;
     if (instance->info[0] != service->service_id)
@@ -218,7 +218,7 @@ extern "C" qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object
                                                           qmi_client_ind_cb ind_cb, void* ind_cb_data,
                                                           qmi_client_os_params*, uint32_t timeout_ms,
                                                           qmi_client_type* client) {
-    if (!service || !client)
+    if (service == nullptr || client == nullptr)
         return QMI_INTERNAL_ERR;
     *client = nullptr;
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
@@ -256,7 +256,7 @@ extern "C" qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type handle
         return QMI_INTERNAL_ERR;
     const auto* request = seam::find_message(client->service(), QMI_IDL_REQUEST, msg_id);
     const auto* response = seam::find_message(client->service(), QMI_IDL_RESPONSE, msg_id);
-    if (!request || !response || !seam::holds(req, req_len, *request) ||
+    if (request == nullptr || response == nullptr || !seam::holds(req, req_len, *request) ||
         !seam::holds(resp, resp_len, *response))
         return QMI_INTERNAL_ERR;
     return client->send(*request, req, *response, resp, std::chrono::milliseconds(timeout_ms));
@@ -269,10 +269,10 @@ extern "C" qmi_client_error_type qmi_client_message_decode(qmi_client_type handl
                                                            unsigned int dst_len) {
     seam::zero(dst, dst_len);
     const auto client = clients().find(handle);
-    if (!client || (!src && src_len != 0))
+    if (!client || (src == nullptr && src_len != 0))
         return QMI_INTERNAL_ERR;
     const auto* message = seam::find_message(client->service(), type, msg_id);
-    if (!message || !seam::holds(dst, dst_len, *message))
+    if (message == nullptr || !seam::holds(dst, dst_len, *message))
         return QMI_INTERNAL_ERR;
     return seam::decode_message(*message, {src, src_len}, dst) ? QMI_NO_ERR : QMI_INTERNAL_ERR;
 }

@@ -117,7 +117,7 @@ using seam::notifiers;
 extern "C" qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type service,
                                                           qmi_client_os_params* signal,
                                                           qmi_client_type* notifier) {
-    if (!service || !signal || !notifier)
+    if (service == nullptr || signal == nullptr || notifier == nullptr)
         return QMI_INTERNAL_ERR;
     *notifier = notifiers().add(service->service_id, signal);
     return QMI_NO_ERR;
@@ -127,13 +127,14 @@ extern "C" qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_obj
                                                              qmi_service_info* array,
                                                              unsigned int* num_entries,
                                                              unsigned int* num_services) {
-    if (!service || !num_services)
+    if (service == nullptr || num_services == nullptr)
         return QMI_INTERNAL_ERR;
     const auto found = seam::modem()->road->look(service->service_id, {});
     *num_services = static_cast<unsigned>(found.size());
-    const unsigned stored = array && num_entries ? std::min(*num_entries, *num_services) : 0;
+    const unsigned stored =
+        array != nullptr && num_entries != nullptr ? std::min(*num_entries, *num_services) : 0;
     std::copy_n(found.begin(), stored, array);
-    if (num_entries)
+    if (num_entries != nullptr)
         *num_entries = stored;
     if (!found.empty())
         return QMI_NO_ERR;
@@ -142,7 +143,7 @@ extern "C" qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_obj
 }
 
 extern "C" int qmi_cci_os_signal_wait(qmi_client_os_params* signal, unsigned int timeout_ms) {
-    if (!signal)
+    if (signal == nullptr)
         return QMI_INTERNAL_ERR;
     const bool is_endless = timeout_ms == 0;
     const auto deadline =

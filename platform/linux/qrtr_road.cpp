@@ -270,7 +270,7 @@ std::unique_ptr<Channel> QrtrRoad::channel_to(uint32_t service_id, const QrtrAdd
 
 std::unique_ptr<Channel> QrtrRoad::open(uint32_t service_id, const qmi_service_info* instance,
                                         Clock::time_point) {
-    const Instances found = instance ? Instances{*instance} : look(service_id, {});
+    const Instances found = instance != nullptr ? Instances{*instance} : look(service_id, {});
     return found.empty() ? nullptr : channel_to(service_id, address_of(found.front()));
 }
 

@@ -46,7 +46,7 @@ extern "C" int32_t qmi_idl_get_message_c_struct_len(qmi_idl_service_object_type 
                                                     qmi_idl_type_of_message_type type, uint16_t message_id,
                                                     uint32_t* c_struct_len) {
     const qmi_idl_message* message = seam::find_message(service, type, message_id);
-    if (c_struct_len)
-        *c_struct_len = message ? message->c_struct_len : 0;
-    return message && c_struct_len ? 0 : -1;
+    if (c_struct_len != nullptr)
+        *c_struct_len = message != nullptr ? message->c_struct_len : 0;
+    return message != nullptr && c_struct_len != nullptr ? 0 : -1;
 }

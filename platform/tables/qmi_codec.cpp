@@ -114,12 +114,12 @@ bool encode_value(const Element& element, const uint8_t* holder, Writer& writer)
 bool decode_value(const Element& element, uint8_t* holder, Reader& reader);
 
 uint8_t* at(uint8_t* holder, size_t offset) {
-    return holder ? holder + offset : nullptr;
+    return holder != nullptr ? holder + offset : nullptr;
 }
 
 bool decode_number(const Element& element, uint8_t* to, Reader& reader) {
     const uint64_t number = reader.number(element.wire_width);
-    if (reader.ok() && to)
+    if (reader.ok() && to != nullptr)
         store(to, element.c_width, number);
     return reader.ok();
 }
@@ -136,7 +136,7 @@ bool decode_item(const Element& array, uint8_t* to, Reader& reader) {
 bool decode_bytes(const Element& array, uint8_t* to, uint64_t count, Reader& reader) {
     const View bytes = reader.bytes(count);
     const size_t stored = std::min<size_t>(bytes.size, array.bound);
-    if (to && stored != 0)
+    if (to != nullptr && stored != 0)
         memcpy(to, bytes.data, stored);
     return reader.ok();
 }
@@ -165,7 +165,7 @@ bool decode_unprefixed(const Element& array, uint8_t* holder, Reader& reader) {
         if (count == array.bound || !decode_item(array, at(first, count * array.stride), reader))
             return false;
     }
-    return !holder || count == load(holder + array.count_offset, array.count_width);
+    return holder == nullptr || count == load(holder + array.count_offset, array.count_width);
 }
 
 bool decode_array(const Element& array, uint8_t* holder, Reader& reader) {
@@ -174,7 +174,7 @@ bool decode_array(const Element& array, uint8_t* holder, Reader& reader) {
     const uint64_t count = has_count(array) ? reader.number(array.prefix_width) : array.bound;
     if (!reader.ok() || (count > array.bound && !(array.flags & QMI_IDL_LENIENT)))
         return false;
-    if (has_count(array) && holder)
+    if (has_count(array) && holder != nullptr)
         store(holder + array.count_offset, array.count_width, count);
     return decode_items(array, at(holder, array.offset), count, reader);
 }
@@ -206,7 +206,7 @@ bool decode_tlv(const Element& element, View value, uint8_t* structure) {
 
 const qmi_idl_message* find_message(qmi_idl_service_object_type service, qmi_idl_type_of_message_type type,
                                     unsigned message_id) {
-    if (!service)
+    if (service == nullptr)
         return nullptr;
     for (uint32_t i = 0; i < service->message_count; ++i) {
         const qmi_idl_message& message = service->messages[i];

@@ -104,10 +104,10 @@ std::string line_of(const Note& note) {
     std::optional<messages::QmiMessage> qmi;
     std::optional<messages::DiagMessage> diag;
     LineHead head;
-    if (!note.event && note.service) {
+    if (note.event == nullptr && note.service) {
         if (const auto packet = wire::decode_qmi(note.packet))
             head = messages::head_of(qmi.emplace(messages::decode(*note.service, *packet)));
-    } else if (!note.event) {
+    } else if (note.event == nullptr) {
         head = messages::head_of(diag.emplace(messages::decode_diag(to_modem, note.packet)));
     }
     head.time = note.time;
@@ -116,7 +116,7 @@ std::string line_of(const Note& note) {
     head.connection = note.connection;
     head.pid = getpid();
     head.direction = note.direction;
-    if (note.event)
+    if (note.event != nullptr)
         head.message = note.event;
     if (note.number != 0)
         (note.service ? head.transaction : head.message_id) = note.number;
@@ -126,11 +126,11 @@ std::string line_of(const Note& note) {
         messages::describe(*qmi, note.asked, line);
     else if (diag)
         messages::describe(*diag, line);
-    else if (!note.event)
+    else if (note.event == nullptr)
         line.malformed();
     else if (strcmp(note.event, "connected") == 0)
         line.text("command", command_of_process());
-    if (note.by)
+    if (note.by != nullptr)
         line.text("by", note.by);
     return line.finish(note.packet, note.latency_us, "");
 }
