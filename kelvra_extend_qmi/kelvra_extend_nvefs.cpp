@@ -148,7 +148,7 @@ Request file_request(const char* function, Command command, int sub_id, const ch
 Request item_request(Command command, int sub_id, int nv_id) {
     Request request{};
     request.command = command;
-    request.sub_id = sub_id != 0;
+    request.sub_id = sub_id != 0 ? 1 : 0;
     put_le(request.nv_id, static_cast<uint16_t>(nv_id));
     return request;
 }

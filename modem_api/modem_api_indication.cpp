@@ -40,8 +40,8 @@ size_t fill(Event* event, const vs_status_ind_msg_v01& ind) {
     event->code = MODEM_API_EVENT_STATUS;
     modem_api_status_event& data = event->data.status;
     data.value = ind.value;
-    data.first = ind.first_flag != 0;
-    data.second = ind.second_flag != 0;
+    data.first = ind.first_flag != 0 ? 1 : 0;
+    data.second = ind.second_flag != 0 ? 1 : 0;
     return sizeof data;
 }
 

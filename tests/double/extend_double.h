@@ -12,7 +12,7 @@ inline void answer_extend(void* response, uint32_t id, uint32_t data_len, const 
     auto* bytes = static_cast<uint8_t*>(response);
     put_le(bytes, id);
     put_le(bytes + 4, data_len);
-    bytes[8] = !data.empty();
+    bytes[8] = data.empty() ? 0 : 1;
     std::copy(data.begin(), data.end(), bytes + 9);
 }
 

@@ -72,7 +72,7 @@ void indicate(qmi_client_type handle, unsigned message, void* body, unsigned siz
     client->trace->received(
         wire::encode({wire::kQmiIndication, 0, static_cast<uint16_t>(message), {body, size}}));
     client->trace->flush();
-    if (client->ind_cb)
+    if (client->ind_cb != nullptr)
         client->ind_cb(handle, message, body, size, client->ind_cb_data);
 }
 
@@ -139,7 +139,7 @@ extern "C" qmi_client_error_type __wrap_qmi_client_register_error_cb(qmi_client_
                                                                      qmi_client_error_cb error_cb,
                                                                      void* data) {
     const auto client = find(handle);
-    if (!client || !error_cb)
+    if (!client || error_cb == nullptr)
         return __real_qmi_client_register_error_cb(handle, error_cb, data);
     client->error_cb = error_cb;
     client->error_cb_data = data;
