@@ -52,15 +52,15 @@ TEST(HandsetDiag, KeepsToTheConversation) {
         {R"("diag": {"results": {"open": 0}})",
          "> 01 < 81 00 00 00 00 > 02 < 82 FF FF FF FF > 01 < 81 00 00 00 00"},
         // Responses in their time: late, in pieces, and to a client that has gone meanwhile.
-        {R"("diag": {"before_answer": true, "delay_ms": 250, "responses": [
+        {R"("diag": {"before_answer": true, "delay_ms": 1000, "responses": [
             {"command": "01", "pieces": [2, 0, 3]}, {"command": "02", "pieces": [2, 1], "bytes": "A1 A2 A3",
-             "before_answer": false, "delay_ms": 0, "gap_ms": 250}, {"command": "05", "size": 0}]})",
+             "before_answer": false, "delay_ms": 0, "gap_ms": 1000}, {"command": "05", "size": 0}]})",
          R"(
             $open $register > 09 01 00 00 00 01 < nothing < 41 01 02 < 41 < 41 03 04 05 $dci_sent
             > 09 01 00 00 00 02 $dci_sent < 41 A1 A2 < nothing < 41 A3 > 09 01 00 00 00 05 < 41 $dci_sent
             > 09 01 00 00 00 7B > 0A 01 00 00 00 < 8A E9 03 00 00 $dci_sent < nothing)"},
         // Streams: of a log and an event only a listener hears.
-        {R"("diag": {"streams": [{"event": "log", "bytes": "10", "every_ms": 250, "count": 2},
+        {R"("diag": {"streams": [{"event": "log", "bytes": "10", "every_ms": 1000, "count": 2},
             {"event": "event", "size": 2}, {"event": "0x55", "after": "remote_mask", "bytes": "01"},
             {"event": "log", "after": "dci_register", "bytes": "FF"}, {"event": "response", "after": 10}]})",
          R"(

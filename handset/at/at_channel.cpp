@@ -48,7 +48,6 @@ void AtChannel::received(wire::View bytes) {
     const bool may_echo = !terminal_.echoes();
     std::string echo;
     size_t taken = 0;
-    const uint64_t lines_before = lines_;
     while (taken < waiting_.size() && !busy_) {
         const char character = waiting_[taken++];
         if (may_echo && settings_.echo && core_.is_up())
@@ -61,13 +60,11 @@ void AtChannel::received(wire::View bytes) {
     }
     waiting_.erase(0, taken);
     send(echo);
-    if (lines_ != lines_before)
-        core_.state().set("at", "lines", lines_);
 }
 
 void AtChannel::finish(const AtLine& line) {
+    core_.state().set("at", "lines", ++lines_);
     log(Direction::kToModem, line.raw);
-    ++lines_;
     // A modem that is away neither hears nor answers.
     if (!core_.is_up())
         return;

@@ -112,7 +112,8 @@ void Terminal::look() {
     }
     if (was_open && changed_)
         changed_(false);
-    if (!is_deserted())
+    // Nothing tells of one who came and went meanwhile, but what he wrote.
+    if (!is_deserted() || (!paused_ && holds_unread()))
         look();
     core_.flush();
 }

@@ -31,7 +31,7 @@ The lowest instance is taken, and the other one when that is gone. An instance t
       65508       1        1    PORT
   $ answer 4 4 0 /who | grep -E "^(data:|note)"
   note: Error happen! error_code(-2)
-  $ VXK_MODEM=qrtr:1 answer 4 4 0 /who | grep -E "^(data:|note)"; VXK_MODEM=qrtr:7 timeout 2 vxk 4 4 0 /who | tail -1; echo ${PIPESTATUS[0]}
+  $ VXK_MODEM=qrtr:1 answer 4 4 0 /who | grep -E "^(data:|note)"; VXK_MODEM=qrtr:7 timeout 5 vxk 4 4 0 /who | tail -1; echo ${PIPESTATUS[0]}
   note: Error happen! error_code(-2)
   vxk: waiting for QMI service 65508: nothing publishes it on node 7 of the QRTR bus
   KELVRA_QMI_NV: qmi_client_get_service_list() returned -2 num_services = 0
@@ -40,7 +40,7 @@ The lowest instance is taken, and the other one when that is gone. An instance t
 
 A service that goes away under a command, by itself, with its handset, and because it closes the connection of another client.
 
-  $ boot '{"faults": [{"service": "extension", "action": "withdraw", "ms": 2000}]}'
+  $ boot '{"faults": [{"service": "extension", "action": "withdraw", "ms": 8000}]}'
   $ vxk 4 1 0 10 | grep -a fail; published 65508 0 && vxk 4 1 0 10 2> waiting | grep -a fail
   send msg sync failed:-2
   RIL[kelvra_nv_read:#]: kelvra_extend_qmi_send_sync fail

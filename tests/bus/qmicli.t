@@ -33,7 +33,7 @@ Slots, and who is told when one is switched.
   $ uim --uim-switch-slot=2; uim --uim-switch-slot=2
   [qrtr://1] Successfully switched slots
   error: couldn't switch slots: QMI protocol error (26): 'NoEffect'
-  $ eventually grep 'Physical slot 3' seen; expand seen | grep -A4 -E 'slot [23]:'; kill $monitor
+  $ told() { sed -n '/Physical slot 3/,$p' seen | grep Protocol; }; eventually told; expand seen | grep -A4 -E 'slot [23]:'; kill $monitor
     Physical slot 2:
        Card status: present
        Slot status: active

@@ -3,10 +3,10 @@ Restart, dump, NV sync, print switches and antenna configurations.
   $ . "$TESTDIR/setup.sh"
   $ level=persist.vendor.ssr.restart_level
 
-A restart: the level is opened for it and put back. The modem is away for two seconds; the next command waits for
-it and succeeds.
+A restart: the level is opened for it and put back. The modem is away for a while; the next command waits for it
+and succeeds.
 
-  $ boot '{"modem": {"restart_ms": 2000}}'
+  $ boot '{"modem": {"restart_ms": 5000}}'
   $ set_property persist.radio.ssr_wait_s 0
   $ past_channel 11 0
   RIL[kelvra_smart_test_modem_ssr:#]: Will trigger SSR of modem, the current state: ALL_DISABLE

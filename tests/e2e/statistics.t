@@ -149,7 +149,7 @@ What the service says unasked changes no measurement.
   >   {"message": "bytes", "value": 8, "bytes": "09 0A", "first": 11, "second": 12},
   >   {"message": "raw", "number": 516, "tlvs": "01 04 00 08 00 00 00 02 02 00 05 01"},
   >   {"message": "raw", "number": 99, "tlvs": "01 00 00"}]},
-  >   "faults": [{"service": "statistics", "message": 519, "action": "late", "ms": 200}]}'
+  >   "faults": [{"service": "statistics", "message": 519, "action": "late", "ms": 2000}]}'
   $ vxk 9 21 0 | tail -1
   ASDIV DATA: rx_prx: -63.50, rx_drx: -66.25
   $ vxk-handset log | grep -F 'qmi/statistics 1 <- indication' | sed -E 's/^[0-9-]+ [0-9:.]+ //'

@@ -25,7 +25,7 @@ the fault that struck, which only the handset knows.
   $ faults='{"faults": [{"service": "extension", "code": "nv_read", "action": "no_answer"}, {"service": "sar", "hits": 1, "action": "close"},
   >   {"service": "sar", "hits": 1, "action": "cut", "keep": 9}, {"service": "extension", "code": "nv_delete", "action": "restart"}]}'; boot "$faults"
   $ commands=("4 5 0 /a 1 2 255" "4 4 0 /a" "4 1 0 10" "5 5" "5 5" "5 5" "5 1" "5 10 3 0" "5 10 4 1" "5 10 5 1" "6 5 1 2" "7 0" "9 7 0" "9 10 0"
-  >     "5 0 0 0 3000 0x00" "5 0 1 0 3000 0x7C" "5 0 0 0 200 0x99" "4 3 0 10")
+  >     "5 0 0 0 3000 0x00" "5 0 1 0 3000 0x7C" "5 0 0 0 3000 0x99" "4 3 0 10")
   $ for words in "${commands[@]}"; do command vxk $words > out 2>&1; done
   $ halt; vxk-handset log --json > log.jsonl; python3 same
   17 17 True

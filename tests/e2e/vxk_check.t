@@ -127,10 +127,10 @@ The whole object.
 A tool that waits, hangs with a child, dies, talks without end, or is not there.
 
   $ program() { printf '#!/bin/sh\n%s\n' "$1" > "$CRAMTMP/tool"; chmod +x "$CRAMTMP/tool"; }
-  $ VXK_HANDSET_DIR=$CRAMTMP/none judged --timeout 0.3 -- 4 1 0 1
-  3 timeout ["no end within 0.3 s: waiting for QMI service 65508"]
-  $ program 'sleep 1000 & echo $! > child; wait'; judged --vxk "$CRAMTMP/tool" --timeout 0.2 -- 5 1; eventually test ! -e "/proc/$(cat child)"
-  3 timeout ["no end within 0.2 s"]
+  $ VXK_HANDSET_DIR=$CRAMTMP/none judged --timeout 3 -- 4 1 0 1
+  3 timeout ["no end within 3 s: waiting for QMI service 65508"]
+  $ program 'sleep 1000 & echo $! > child; wait'; judged --vxk "$CRAMTMP/tool" --timeout 1 -- 5 1; eventually test ! -e "/proc/$(cat child)"
+  3 timeout ["no end within 1 s"]
   $ program 'sleep 1000 & echo $! > child'; judged --vxk "$CRAMTMP/tool" -- 5 1; eventually test ! -e "/proc/$(cat child)"
   1 failure ["the tool printed nothing"]
   $ program 'kill -KILL $$'; judged --vxk "$CRAMTMP/tool" -- 5 1; program 'echo no library >&2; exit 127'; judged --vxk "$CRAMTMP/tool" -- 5 1
@@ -167,8 +167,8 @@ Behind adb, of which this plays the part that vxk-check sees: one line for a she
   4 died ["fatal: hexadecimal number 0x80000001 overflows 32 bits"]
   "signal":"SIGABRT"
   4 died ["exit status 1: adb: device 'S9' not found"]
-  $ judged --adb S1 --vxk "$CRAMTMP/tool" --timeout 0.2 -- 5 1
-  3 timeout ["no end within 0.2 s"]
+  $ judged --adb S1 --vxk "$CRAMTMP/tool" --timeout 1 -- 5 1
+  3 timeout ["no end within 1 s"]
 
 Command lines of vxk-check, and plans that are wrong.
 
@@ -210,15 +210,15 @@ A plan on three handsets at once: a table, one object, a file for the build serv
   > 5 4
   > END
   $ mkdir -p "$VXK_HANDSET_DIR/efs/0" "$CRAMTMP/<h2>"; printf '\1\2' > "$VXK_HANDSET_DIR/efs/0/a file"
-  $ planned() { vxk-check --handset "$VXK_HANDSET_DIR" --handset "folder:$CRAMTMP/<h2>" --handset adb:S9 --timeout 2 --plan plan "$@"; }
+  $ planned() { vxk-check --handset "$VXK_HANDSET_DIR" --handset "folder:$CRAMTMP/<h2>" --handset adb:S9 --timeout 3 --plan plan "$@"; }
   $ planned --junit junit.xml --html page.html | sed -E "s|$CRAMTMP|TMP|; s|TMP/h[0-9]+|TMP/h#|" | tr -s ' '
   handset verdict read #1 5G 5 4
   TMP/h# success 01 02 -84.5 dBm type 2
   folder:TMP/<h2> timeout timeout timeout timeout
   S9 died died died died
-  folder:TMP/<h2>, read #1: no end within 2 s: waiting for QMI service 65508
-  folder:TMP/<h2>, 5G: no end within 2 s
-  folder:TMP/<h2>, 5 4: no end within 2 s: waiting for QMI service 65508
+  folder:TMP/<h2>, read #1: no end within 3 s: waiting for QMI service 65508
+  folder:TMP/<h2>, 5G: no end within 3 s
+  folder:TMP/<h2>, 5 4: no end within 3 s: waiting for QMI service 65508
   S9, read #1: exit status 1: adb: device 'S9' not found
   S9, 5G: exit status 1: adb: device 'S9' not found
   S9, 5 4: exit status 1: adb: device 'S9' not found
@@ -234,7 +234,7 @@ A plan on three handsets at once: a table, one object, a file for the build serv
   3 0 0 ['read #1', '5G', '5 4']
   3 0 3 ['read #1', '5G', '5 4']
   3 0 3 ['read #1', '5G', '5 4']
-  error {'type': 'timeout', 'message': 'no end within 2 s: waiting for QMI service 65508'} 'data len(2)\ndata:  01 02\n'
+  error {'type': 'timeout', 'message': 'no end within 3 s: waiting for QMI service 65508'} 'data len(2)\ndata:  01 02\n'
   $ chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking \
   >   --disable-component-update --disable-sync --user-data-dir="$CRAMTMP/browser" --dump-dom "file://$PWD/page.html" 2> browser.err > dom.html || cat browser.err
   $ grep -o '<h1>.*</h1>' dom.html; for tag in table tr details svg rect; do echo "$tag $(grep -o "<$tag[ >]" dom.html | wc -l)"; done
