@@ -307,7 +307,7 @@ int show_records(const std::string& folder, const LogChoice& choice, bool follow
     });
     read_growing_file(path_of(folder), follow, [&records](std::string_view bytes) {
         records.feed(bytes);
-        fflush(stdout);
+        flush_output();
     });
     if (choice.command > records.story().processes().size())
         throw Error("only " + std::to_string(records.story().processes().size()) +
@@ -319,7 +319,6 @@ int show_records(const std::string& folder, const LogChoice& choice, bool follow
         add_system_log(folder, lines, pcap);
         pcap.write(choice.pcap);
     }
-    flush_output();
     return 0;
 }
 
