@@ -73,6 +73,7 @@ Terminal::~Terminal() {
     core_.loop().forget(watch_);
     core_.loop().forget(opening_watch_);
     core_.loop().cancel(timer_);
+    core_.loop().cancel(again_);
     if (!device_.empty())
         unlink(link_.c_str());
     for (const int fd : {opening_, master_}) {
@@ -112,9 +113,10 @@ void Terminal::look() {
     }
     if (was_open && changed_)
         changed_(false);
-    // Nothing tells of one who came and went meanwhile, but what he wrote.
+    // Nothing told of one who came meanwhile, whether he is still there or only what he wrote.
+    core_.loop().cancel(again_);
     if (!is_deserted() || (!paused_ && holds_unread()))
-        look();
+        again_ = core_.loop().after(EventLoop::Milliseconds(0), [this] { look(); });
     core_.flush();
 }
 

@@ -70,6 +70,7 @@ private:
     int opening_ = -1;  // tells when somebody has opened or closed the terminal
     EventLoop::Token opening_watch_ = 0;
     EventLoop::Token timer_ = 0;  // looks where there is no watch to be had
+    EventLoop::Token again_ = 0;  // looks once more for whom nothing told of
     EventLoop::Token watch_ = 0;  // 0 while nobody has it open: the master would be ready all the time
     bool paused_ = false;
     wire::Bytes unsent_;
