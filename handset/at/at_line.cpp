@@ -86,7 +86,8 @@ std::string normal_at_text(std::string_view text) {
     std::string normal;
     bool quoted = false;
     for (const char c : text) {
-        quoted = quoted != (c == '"');
+        if (c == '"')
+            quoted = !quoted;
         if (quoted || c != ' ')
             normal += quoted ? c : capital(c);
     }
@@ -139,8 +140,10 @@ std::optional<AtCommand> AtParser::next_extended() {
         command.form = AtCommand::kSet;
         bool quoted = false;
         size_t size = 0;
-        for (; size < left_.size() && (quoted || left_[size] != ';'); ++size)
-            quoted = quoted != (left_[size] == '"');
+        for (; size < left_.size() && (quoted || left_[size] != ';'); ++size) {
+            if (left_[size] == '"')
+                quoted = !quoted;
+        }
         command.value = left_.substr(0, size);
         left_.remove_prefix(size);
         if (command.value == "?") {
